@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "core/color/colorconversion.h"
+#include "host/graphics/baseconnectionspace.h"
+#include "host/host.h"
+#include "pdf/diagnostics.h"
+#include "pdf/pdfdocument.h"
+
+namespace VANTIX::PDF {
+
+/// What a run asks of the reader.
+struct ReaderOptions {
+    std::int32_t languageLevel = 3;
+    /// Overrides every intent of the document.
+    std::optional<COLOR::TRenderingIntent> intent;
+    PageBox box = PageBox::kCrop;
+    /// Policy key 107: profiles go out as CIE-based arrays.
+    bool embedProfiles = false;
+};
+
+/// Plays pages of one document into a connection space. Keeps what is shared between pages (colour
+/// spaces, functions).
+class PagePlayer {
+public:
+    PagePlayer(PdfDocument& document, HOST::Host& host, HOST::BaseConnectionSpace& space,
+               const ReaderOptions& options, Diagnostics& diagnostics);
+    ~PagePlayer();
+    PagePlayer(const PagePlayer&) = delete;
+    PagePlayer& operator=(const PagePlayer&) = delete;
+    PagePlayer(PagePlayer&&) = delete;
+    PagePlayer& operator=(PagePlayer&&) = delete;
+
+    /// Draws page `index` (from 0) in a bracket of the graphics state: page matrix, initial page
+    /// matrix, clip to the box, contents, annotations' appearances. Never throws; what cannot be
+    /// drawn is reported and left out.
+    void Play(int index);
+
+    /// Kinds of colour spaces met so far ("DeviceCMYK", "ICCBased", "Separation Orange", …).
+    [[nodiscard]] const std::set<std::string>& ColorSpaceNames() const;
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> mParts;
+};
+
+}  // namespace VANTIX::PDF
