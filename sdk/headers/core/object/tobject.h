@@ -28,7 +28,9 @@ public:
     std::uint32_t Release() override {
         const std::int32_t left = mReferences.fetch_sub(1, std::memory_order_acq_rel) - 1;
         if (left == 0) {
+#if !defined(__clang_analyzer__)  // it cannot follow the count and takes every release for the last
             delete this;
+#endif
         }
         return static_cast<std::uint32_t>(left);
     }
@@ -68,9 +70,13 @@ public:
         }
     }
 
-    std::map<GUID, IObject*>& GetAggregateMap() override { return mAggregates; }
+    std::map<GUID, IObject*>& GetAggregateMap() override {
+        return mAggregates;
+    }
 
-    ~TObject() override { TObject::ClearAggregates(); }
+    ~TObject() override {
+        TObject::ClearAggregates();
+    }
 
 protected:
     TObject() = default;
