@@ -12,6 +12,10 @@ namespace VANTIX::PLATFORM {
 /// system. Seeded GUIDs differ in their first sixteen digits.
 GUID CreateUniqueId();
 
+/// A new GUID from the system's randomness, never seeded: for names that stay outside of the
+/// output.
+GUID CreateSystemUniqueId();
+
 /// The 32 upper-case hexadecimal digits of `id` in field order.
 std::string UniqueIdDigits(const GUID& id);
 

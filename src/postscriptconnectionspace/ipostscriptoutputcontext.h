@@ -49,7 +49,8 @@ public:
                                       std::int32_t bitsPerComponent, const char* colour,
                                       std::int32_t colourLength, const char* decode,
                                       bool imageMask) = 0;
-    /// The buffer writers zero-terminate and answer the length without the zero.
+    /// The buffer writers zero-terminate and answer the length without the zero. What does not fit
+    /// is logged and leaves an empty buffer and 0.
     virtual std::int32_t WriteSeparationSpaceToBuffer(COLOR::ISeparationConnectionColorSpace* space,
                                                       char* buffer, std::int32_t size,
                                                       bool colourManaged) = 0;

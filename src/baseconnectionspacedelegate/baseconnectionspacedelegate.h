@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "baseconnectionspacedelegate/iconnectionspacedelegate.h"
+#include "core/io/idictionary.h"
+#include "core/object/tobject.h"
+#include "postscriptconnectionspace/ipostscriptoutputcontext.h"
+
+namespace VANTIX::RENDERING {
+
+/// Bits of the word in which the factory hands options to a delegate.
+namespace DELEGATEOPTION {
+inline constexpr std::uint32_t kJawsWorkaround = 1;
+inline constexpr std::uint32_t kLevel2 = 2;
+inline constexpr std::uint32_t kConvertSpotsToProcess = 4;
+inline constexpr std::uint32_t kEmbedProfiles = 8;
+inline constexpr std::uint32_t kPromoteGray = 16;
+inline constexpr std::uint32_t kSoftMasks = 32;
+}  // namespace DELEGATEOPTION
+
+/// A colour of at most 32 components.
+struct ColorValues {
+    float values[COLOR::kMaxComponents] = {};
+    std::int32_t count = 0;
+
+    /// From host form to ink amounts, or back.
+    void Complement();
+};
+
+/// What all colour delegates share. It finds the output context by asking itself; without one an
+/// operation is logged and fails. The class factory outlives it and is not referenced.
+class BaseConnectionSpaceDelegate : public TObject<IConnectionSpaceDelegate> {
+public:
+    BaseConnectionSpaceDelegate(const BaseConnectionSpaceDelegate&) = delete;
+    BaseConnectionSpaceDelegate& operator=(const BaseConnectionSpaceDelegate&) = delete;
+    BaseConnectionSpaceDelegate(BaseConnectionSpaceDelegate&&) = delete;
+    BaseConnectionSpaceDelegate& operator=(BaseConnectionSpaceDelegate&&) = delete;
+
+    /// Takes the resource names that this delegate gave to spaces out of them.
+    ~BaseConnectionSpaceDelegate() override;
+
+    void Init(bool setDefaultColour) override { mDefaultColourSet = setDefaultColour; }
+
+    void SetColorSpaceAndValues(COLOR::IConnectionColorSpace* space, const float* values,
+                                std::int32_t count, bool fill) override;
+    bool SetUncoloredPattern(const char* patternName, COLOR::IConnectionColorSpace* underlying,
+                             bool fill) override;
+    bool SetPatternColorSpace(const char* patternName) override;
+    void FillWithColorSpace(COLOR::IConnectionColorSpace* shading, ResourceId id, float x, float y,
+                            float width, float height, bool paint) override;
+
+    void SetGraphicsState(GRAPHICS::IGraphicsState* state) override { mGraphicsState = state; }
+
+    bool CanMarkTheCanvas() const override { return true; }
+
+    bool WasDefaultColourSet() const override { return mDefaultColourSet; }
+
+    virtual void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                              float height);
+    virtual void InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& raster, float x, float y,
+                                        float width, float height, FourCC deviceKey);
+    /// Writes a colour of the state's current space; `values` in host form.
+    virtual bool SetColor(const float* values, std::int32_t count, bool fill) = 0;
+    virtual void InjectIndexedImage(GRAPHICS::IRasterComponent& raster, float x, float y,
+                                    float width, float height,
+                                    COLOR::IIndexedConnectionColorSpace* indexed) = 0;
+    virtual void WriteGreyscaleImage(GRAPHICS::IRasterComponent& raster, float x, float y,
+                                     float width, float height) = 0;
+    virtual void InjectRGBImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                                float height);
+    virtual void InjectCMYKImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                                 float height);
+    virtual void InjectCalibratedGreyscaleImage(GRAPHICS::IRasterComponent& raster, float x,
+                                                float y, float width, float height,
+                                                COLOR::ICalibratedConnectionColorSpace* space);
+    virtual void InjectCalibratedRGBImage(GRAPHICS::IRasterComponent& raster, float x, float y,
+                                          float width, float height,
+                                          COLOR::ICalibratedConnectionColorSpace* space);
+    virtual void InjectLabImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                                float height, COLOR::ICalibratedConnectionColorSpace* space);
+
+protected:
+    /// `destination` (null for none) is the space of the output model; `options` are
+    /// `DELEGATEOPTION` bits.
+    BaseConnectionSpaceDelegate(IClassFactory& factory, COLOR::IConnectionColorSpace* destination,
+                                std::uint32_t options);
+
+    /// The output context (borrowed), or null (logged).
+    PS::IPostScriptOutputContext* OutputContext();
+
+    /// The state's intents, source side and destination side; `absent` twice without a state.
+    [[nodiscard]] std::pair<COLOR::TRenderingIntent, COLOR::TRenderingIntent> RenderingIntents(
+        COLOR::TRenderingIntent absent) const;
+
+    /// The state's current colour space (borrowed), or null.
+    [[nodiscard]] COLOR::IConnectionColorSpace* CurrentColorSpace(bool fill) const;
+
+    /// The state's current colour in host form, for `space`; zeros without a state, nothing when
+    /// the space has too many components.
+    [[nodiscard]] std::optional<ColorValues> CurrentColor(
+        bool fill, const COLOR::IConnectionColorSpace& space) const;
+
+    /// Selects the device space `key`, or Registration or None where `space` is one of them.
+    bool SetDeviceColorSpaceByKey(COLOR::IConnectionColorSpace* space, FourCC key);
+
+    /// Selects the Separation, defined under a name of its own at its first use. True when it was
+    /// written and the name kept.
+    bool SetSeparationColorSpace(COLOR::ISeparationConnectionColorSpace* space, bool colourManaged);
+    bool SetDeviceNColorSpace(COLOR::IDeviceNConnectionColorSpace* space, bool colourManaged);
+    bool SetRegistrationSpace(COLOR::ISeparationConnectionColorSpace* space);
+    bool SetNoneColorSpace(COLOR::ISeparationConnectionColorSpace* space);
+    bool SetCalibratedColorSpace(COLOR::ICalibratedConnectionColorSpace* space);
+
+    /// Writes a colour of `source` as one of `destination`, a device or profile-based space.
+    bool SetColorWithConversion(COLOR::IConnectionColorSpace* source,
+                                COLOR::IConnectionColorSpace* destination, const float* values,
+                                std::int32_t count);
+
+    /// The conversion alone, to ink amounts for CMYK; nothing (logged) for a destination of another
+    /// kind. Black and white tints are mapped without the host.
+    std::optional<ColorValues> ConvertColor(COLOR::IConnectionColorSpace* source,
+                                            COLOR::IConnectionColorSpace* destination,
+                                            const float* values, std::int32_t count) const;
+
+    using ShadingWriter = bool (*)(PS::IPostScriptOutputContext& out,
+                                   COLOR::IShadingColorSpace* shading,
+                                   COLOR::IConnectionColorSpace* destination,
+                                   std::int32_t languageLevel, bool paint, bool colourManaged);
+
+    /// A shading (borrowed) and the output context's writer for its type.
+    struct TypedShading {
+        COLOR::IShadingColorSpace* shading = nullptr;
+        ShadingWriter write = nullptr;
+    };
+
+    /// `shading` as one of the seven types; null (logged) when it is none of them.
+    static TypedShading FindShading(COLOR::IConnectionColorSpace* shading);
+
+    /// Lets the output context write the shading's dictionary with its colours converted into
+    /// `destination` (null: kept); false when it did not complete it.
+    bool WriteShadingDictionary(const TypedShading& shading,
+                                COLOR::IConnectionColorSpace* destination, bool paint,
+                                bool colourManaged);
+
+    TInterfacePtr<COLOR::IConnectionColorSpace> mDestination;
+    TInterfacePtr<GRAPHICS::ISwizzleServices> mSwizzle;
+    IClassFactory* mFactory;
+    GRAPHICS::IGraphicsState* mGraphicsState = nullptr;
+    std::int32_t mLanguageLevel;
+    bool mConvertSpotsToProcess;
+    bool mJawsWorkaround;
+    bool mColorManaged = false;
+    bool mPromoteGray;
+    bool mSoftMasks;
+
+private:
+    struct NamedSpace {
+        TInterfacePtr<COLOR::IConnectionColorSpace> space;
+        TInterfacePtr<IO::IKeyedProperties> properties;
+    };
+
+    /// Hangs `name` on the space for the next time and notes it for the clean-up.
+    bool KeepName(COLOR::IConnectionColorSpace& space, const std::string& name);
+
+    std::vector<NamedSpace> mNamedSpaces;
+    bool mDefaultColourSet = false;
+};
+
+}  // namespace VANTIX::RENDERING

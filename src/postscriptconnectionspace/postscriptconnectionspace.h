@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+
+#include "baseconnectionspacedelegate/iconnectionspacedelegate.h"
+#include "core/graphics/pluginhelper/delegateconnectionspace.h"
+#include "core/io/idictionary.h"
+#include "postscriptdatastream/postscriptstreamstack.h"
+
+namespace VANTIX::PS {
+
+class PostScriptOutputContext;
+
+/// What the policy dictionary asks of a job, with the values that hold for absent keys.
+struct JobPolicy {
+    std::int32_t languageLevel = 3;
+    RENDERING::TDelegateType delegateType = RENDERING::TDelegateType::kAsIs;
+    /// Groups, soft masks and forms are written as pdfmarks.
+    bool pdfmarkTransparency = false;
+    bool trueTypeDownload = true;
+    /// The delegate sets its default colour, and painting applies the colour of the state.
+    bool setDefaultColour = true;
+    std::uint8_t tilingFlag = 0;
+    bool flipImages = false;
+};
+
+/// Turns the host's drawing calls into PostScript operators on the current stream of a job: the top
+/// of its stream stack. Stands behind the host's base connection space, which it owns; colours,
+/// shadings and rasters go through the colour delegate to the output context.
+class PostScriptConnectionSpace : public GRAPHICS::DelegateConnectionSpace {
+public:
+    PostScriptConnectionSpace();
+    PostScriptConnectionSpace(const PostScriptConnectionSpace&) = delete;
+    PostScriptConnectionSpace& operator=(const PostScriptConnectionSpace&) = delete;
+    PostScriptConnectionSpace(PostScriptConnectionSpace&&) = delete;
+    PostScriptConnectionSpace& operator=(PostScriptConnectionSpace&&) = delete;
+
+    /// Takes the resource names that the job left in the colour spaces it used out of them.
+    ~PostScriptConnectionSpace() override;
+
+    /// Finds this space itself, what is aggregated here, and what the base connection space offers.
+    Status QueryInterface(const GUID& id, void** out) override;
+
+    void PlayTo(IConnectionSpace& space) const override;
+    void SaveGraphicsState() override;
+    void RestoreGraphicsState() override;
+    void Scale(float sx, float sy) override;
+    void Translate(float tx, float ty) override;
+    void Rotate(float angle) override;
+    void Concat(float a, float b, float c, float d, float e, float f) override;
+    void NewPath() override;
+    void AddColorSpace(COLOR::IConnectionColorSpace* space, ResourceId id) override;
+    void RegisterColorSpaceUse(ResourceId id, bool fill) override;
+    void RegisterColorSpaceUse(ResourceId id) override;
+    void MoveTo(float x, float y) override;
+    void LineTo(const float* points, std::int32_t count) override;
+    void Arc(float x, float y, float radius, float angle1, float angle2) override;
+    void ArcTo(float x1, float y1, float x2, float y2, float radius) override;
+    void QuadCurveTo(const float* points, std::int32_t count) override;
+    void CurveTo(const float* points, std::int32_t count) override;
+    void ClosePath() override;
+    void ResetPath() override;
+    void Clip() override;
+    void EOClip() override;
+    void Fill() override;
+    void EOFill() override;
+    void FillWithColorSpace(COLOR::IConnectionColorSpace* space, ResourceId id, float x, float y,
+                            float width, float height) override;
+    void Stroke() override;
+    void SetLineWidth(float width) override;
+    void SetLineCap(std::int32_t cap) override;
+    void SetLineJoin(std::int32_t join) override;
+    void SetDash(float phase, const float* lengths, std::int32_t count) override;
+    void SetMiterLimit(float limit) override;
+    void SetFlatness(float flatness) override;
+    void SelectRenderingIntent(COLOR::TRenderingIntent intent) override;
+    void SelectRenderingIntent2(COLOR::TRenderingIntent intent) override;
+    void DrawImage(GRAPHICS::IRasterComponent* raster, float x, float y, float width,
+                   float height) override;
+    void SetOverprintState(bool overprint) override;
+    void SaveInitialPageMatrix() override;
+
+    /// Sets the space up for one job on `stream`: policy, streams, colour delegate, filters, output
+    /// context, base connection space. False (logged) without stream or factory, or when the base
+    /// space is not to be had; everything else that is missing is logged and done without.
+    bool Init(IO::IDataProvider* stream, IClassFactory* factory,
+              const IO::IDictionary* policy) override;
+    void SetGraphicsState(GRAPHICS::IGraphicsState* state) override;
+
+    /// The stream of the document body (borrowed), or null before `Init`.
+    virtual IPostScriptDataStream* GetBaseStream();
+    virtual void WriteRawData(const void* data, std::int32_t length);
+    /// Image data through the output context's filters.
+    virtual void WriteContextStreamData(const void* data, std::int32_t length);
+    virtual void FlushContextStreamData();
+    /// Makes the colours of a text rendering mode current.
+    virtual void SetTextRenderingColor(GRAPHICS::IGraphicsState::TTextRendering mode);
+    /// Notes the name under which the pattern `id` was defined; the first name stays (logged).
+    virtual void AddPostScriptColorSpaceResource(ResourceId id, const char* name);
+    /// Borrowed, or null.
+    virtual const char* GetPostScriptResourceName(ResourceId id);
+    /// Paints the current path in the colour of the graphics state and keeps it.
+    virtual void PaintPath(bool fill, bool evenOdd);
+
+    void RelativeMoveTo(float dx, float dy);
+
+    [[nodiscard]] const JobPolicy& GetPolicy() const { return mPolicy; }
+
+protected:
+    /// The colour delegate (borrowed), or null.
+    [[nodiscard]] RENDERING::IConnectionSpaceDelegate* Delegate();
+
+    /// Makes the state's colour for filling or stroking current, its overprint first.
+    void ApplyCurrentColor(bool fill);
+
+    /// Formats one operator and writes it on the current stream in one call.
+    [[gnu::format(printf, 2, 3)]] void WriteOperator(const char* format, ...);
+    /// Writes text as it stands on the current stream.
+    void WriteText(const char* text);
+
+private:
+    struct Point {
+        float x = 0;
+        float y = 0;
+    };
+
+    void ReadPolicy(const IO::IDictionary* policy);
+    TInterfacePtr<RENDERING::IConnectionSpaceDelegate> CreateDelegate(
+        const IO::IDictionary* policy);
+    void CreateOutputContext(IO::IDataProvider* stream, const IO::IDictionary* policy,
+                             RENDERING::IConnectionSpaceDelegate& delegate);
+    bool Bless();
+    /// Writes one operator for each `Floats` floats by `format` (text, size, floats), which answers
+    /// the length; at least one. The current point moves to the last pair.
+    template <std::size_t Floats, class Format>
+    void WritePoints(const float* points, std::int32_t count, Format format);
+    void ApplyOverprint(bool fill);
+    TInterfacePtr<COLOR::IConnectionColorSpace> FindColorSpace(ResourceId id);
+    void SetPatternColorSpaceAndColor(COLOR::IPatternConnectionColorSpace* pattern, ResourceId id,
+                                      bool fill);
+
+    PostScriptStreamStack mStreams;
+    IClassFactory* mFactory = nullptr;
+    JobPolicy mPolicy;
+    GRAPHICS::IBaseConnectionSpace* mBase = nullptr;  // uncounted: the aggregation holds it
+    std::set<ResourceId> mColorSpaceUses;
+    TInterfacePtr<PostScriptOutputContext> mContext;
+    std::map<ResourceId, std::string> mResources;
+    Point mCurrent;
+};
+
+/// Creator of the space for the host's registrar: one new reference.
+IObject* CreatePostScriptConnectionSpace();
+
+}  // namespace VANTIX::PS

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "core/color/iconnectioncolorspacefactory.h"
+#include "core/color/iink.h"
+#include "core/graphics/igraphicsstate.h"
+#include "core/io/ioutputfilterstack.h"
+#include "core/object/iclassfactory.h"
+#include "core/object/tobject.h"
+#include "postscriptconnectionspace/ipostscriptoutputcontext.h"
+#include "postscriptconnectionspace/textbuffer.h"
+#include "postscriptdatastream/postscriptstreamstack.h"
+
+namespace VANTIX::PS {
+
+struct TintTransform;
+
+/// Writes what has to do with colour through the filter stack that hangs on the current stream
+/// (without one nothing is written), and leaves out what would not change the interpreter's state,
+/// of which the host's mutable graphics-state stack is the mirror.
+class PostScriptOutputContext : public TObject<IPostScriptOutputContext> {
+public:
+    /// `streams` must outlive the context.
+    explicit PostScriptOutputContext(PostScriptStreamStack& streams);
+
+    /// Keeps the factory (not referenced) and makes the mirror; false (logged) without one.
+    bool Init(IClassFactory* factory);
+
+    /// The state that the rendering intents are read from; not referenced, null for none.
+    void SetGraphicsState(GRAPHICS::IGraphicsState* state) { mGraphicsState = state; }
+
+    /// The stream of the document, whatever is being recorded (borrowed), or null.
+    virtual IPostScriptDataStream* GetBaseDataStream();
+
+    /// Saves and restores the mirror without a text, around a recording.
+    void PushState();
+    void PopState();
+
+    void PushOutputFilter(std::int32_t selector) override;
+    void PopOutputFilter() override;
+    void WriteStreamData(const void* data, std::int32_t length) override;
+    void FlushStreamData() override;
+    void SetDefaultColour(FourCC family, bool colourManaged) override;
+    void SetDeviceColorSpace(FourCC family) override;
+    void SetLabColorSpace(const float white[3]) override;
+    void SetColor(const float* components, std::int32_t count) override;
+    void SetRegistrationColorSpace() override;
+    void SetNoneColorSpace() override;
+    void SetDeviceNColorSpace(const char* name, COLOR::IDeviceNConnectionColorSpace* space,
+                              bool colourManaged) override;
+    void SetSeparationColorSpace(const char* name, const char* colorant,
+                                 COLOR::ISeparationConnectionColorSpace* space,
+                                 bool colourManaged) override;
+    void SetNamedColorSpace(const char* name) override;
+    void SetCalibratedGrayColorSpace(float x, float y, float z) override;
+    void SetColorSpace(COLOR::IConnectionColorSpace* space,
+                       COLOR::TRenderingIntent intent) override;
+    void GSave() override;
+    void GRestore() override;
+    void SetRenderingIntent(COLOR::TRenderingIntent intent) override;
+    void SetRenderingIntent2(COLOR::TRenderingIntent intent) override;
+    void TranslateAndScale(float tx, float ty, float sx, float sy) override;
+    void WriteImageDictionary(std::int32_t width, std::int32_t height,
+                              std::int32_t bitsPerComponent, const char* colour,
+                              std::int32_t colourLength, const char* decode,
+                              bool imageMask) override;
+    std::int32_t WriteSeparationSpaceToBuffer(COLOR::ISeparationConnectionColorSpace* space,
+                                              char* buffer, std::int32_t size,
+                                              bool colourManaged) override;
+    std::int32_t WriteDeviceNSpaceToBuffer(COLOR::IDeviceNConnectionColorSpace* space, char* buffer,
+                                           std::int32_t size, bool substitute,
+                                           std::int32_t& componentCount,
+                                           bool colourManaged) override;
+    void AssociateSoftMaskImage(std::int32_t image) override;
+    std::int32_t WriteAlternativeColorSpaceAndTintTransformProcToBuffer(
+        COLOR::IConnectionColorSpace* alternate, COLOR::IColorFunction* tint, char* buffer,
+        std::int32_t size, bool colourManaged) override;
+    bool SetPatternColor(const char* name, COLOR::IConnectionColorSpace* underlying,
+                         const float* components) override;
+    bool SetCalibratedColorSpace(COLOR::ICalibratedConnectionColorSpace* space) override;
+    void SetOverprint(std::int32_t overprint, bool mode, bool fill) override;
+    void SetCurrentTextMatrix(const float matrix[6]) override;
+    void GraphicsStateStackPassThrough(const void* arguments) override;
+    void BeginImageData() override;
+    void EndImageData() override;
+    bool WriteFunctionBasedShadingDictionary(COLOR::IFunctionShadingColorSpace* shading,
+                                             COLOR::IConnectionColorSpace* destination,
+                                             std::int32_t languageLevel, bool paint,
+                                             bool colourManaged) override;
+    bool WriteAxialShadingDictionary(COLOR::IAxialShadingPatternColorSpace* shading,
+                                     COLOR::IConnectionColorSpace* destination,
+                                     std::int32_t languageLevel, bool paint,
+                                     bool colourManaged) override;
+    bool WriteRadialShadingDictionary(COLOR::IRadialShadingPatternColorSpace* shading,
+                                      COLOR::IConnectionColorSpace* destination,
+                                      std::int32_t languageLevel, bool paint,
+                                      bool colourManaged) override;
+    bool WritePatchMeshesBasedShadingDictionary(COLOR::ITensorShadingPatternColorSpace* shading,
+                                                COLOR::IConnectionColorSpace* destination,
+                                                std::int32_t languageLevel, std::int32_t type,
+                                                bool paint, bool colourManaged) override;
+    bool WriteType5BasedShadingDictionary(
+        COLOR::ILatticeFormTriangleMeshesShadingColorSpace* shading,
+        COLOR::IConnectionColorSpace* destination, std::int32_t languageLevel, bool paint,
+        bool colourManaged) override;
+    bool WriteType4BasedShadingDictionary(COLOR::IFreeFormTriangleMeshesShadingColorSpace* shading,
+                                          COLOR::IConnectionColorSpace* destination,
+                                          std::int32_t languageLevel, bool paint,
+                                          bool colourManaged) override;
+    void GetColorSpaceResourceName(COLOR::IConnectionColorSpace* space,
+                                   COLOR::TRenderingIntent intent, std::string& name) override;
+    void WriteColorSpaceResourceName(const std::string& name, bool setColorSpace) override;
+
+    /// Writes `space` as a colour-space operand.
+    void WriteColorSpaceToPostScript(COLOR::IConnectionColorSpace& space, bool colourManaged);
+    /// Writes the device space `family`, or the resource of its default profile; false when nothing
+    /// was written.
+    bool WriteDeviceColorSpace(FourCC family, bool setColorSpace, bool colourManaged);
+    void WriteCalibratedColorSpace(COLOR::ICalibratedConnectionColorSpace* space,
+                                   bool setColorSpace);
+    /// Calculator functions from the tints of the space's inks to CMYK or RGB: how inks printed
+    /// over one another look. A new reference, or null (logged).
+    COLOR::IColorFunction* CreateTintfunctionForCMYKColorspace(
+        COLOR::IDeviceNConnectionColorSpace* space);
+    COLOR::IColorFunction* CreateTintfunctionForRGBColorspace(
+        COLOR::IDeviceNConnectionColorSpace* space);
+
+protected:
+    /// The filter stack of the current stream (borrowed), or null.
+    [[nodiscard]] IO::IOutputFilterStack* CurrentFilters() const;
+
+    /// Writes operator text to the current stream, past the filters.
+    void WriteText(std::string_view text) const;
+
+private:
+    using ResourceKey = std::pair<GUID, COLOR::TRenderingIntent>;
+
+    [[nodiscard]] COLOR::TRenderingIntent FirstIntent() const;
+    [[nodiscard]] COLOR::TRenderingIntent SecondIntent() const;
+    [[nodiscard]] TInterfacePtr<COLOR::IConnectionColorSpaceFactory> CreateColorFactory() const;
+
+    /// Key of a resource in the mirror: its number, and the intent that it was made for.
+    static std::uint64_t KeyOfResource(const COLOR::IConnectionColorSpace& space,
+                                       COLOR::TRenderingIntent intent);
+
+    /// Makes `key` the current space of the mirror; false when it is already.
+    bool SelectSpace(std::uint64_t key);
+    bool StoreIntent(std::int32_t index, COLOR::TRenderingIntent intent);
+    void StoreColor(const float* components, std::int32_t count);
+
+    TInterfacePtr<COLOR::IConnectionColorSpace> DefaultProfileSpace(FourCC family) const;
+    /// Name of the resource for the profile-based form of `space`; empty when there is none.
+    std::string ProfileResourceName(COLOR::IConnectionColorSpace& space);
+
+    /// `name` is null for a space that is not defined under a name.
+    void WriteSeparationColorSpace(const char* name, std::string_view colorant,
+                                   COLOR::ISeparationConnectionColorSpace& space,
+                                   bool setColorSpace, bool colourManaged);
+    void WriteDeviceNColorSpace(const char* name, COLOR::IDeviceNConnectionColorSpace& space,
+                                bool setColorSpace, bool colourManaged);
+
+    // Pieces of spaces that are put together in a text.
+    void AppendDeviceNWithNames(TextBuffer& text, COLOR::IDeviceNConnectionColorSpace& space,
+                                bool colourManaged);
+    void AppendDeviceNWithInks(TextBuffer& text, COLOR::IDeviceNConnectionColorSpace& space,
+                               bool colourManaged);
+    void AppendInkAlternate(TextBuffer& text, COLOR::IDeviceNConnectionColorSpace& space,
+                            COLOR::InkColorKind kind, bool colourManaged);
+    void AppendAlternateAndTint(TextBuffer& text, COLOR::IConnectionColorSpace* alternate,
+                                COLOR::IColorFunction* function, bool colourManaged);
+    void AppendProfileAlternate(TextBuffer& text,
+                                COLOR::IProfileBasedConnectionColorSpace& alternate,
+                                const TintTransform& tint, const std::string& resource);
+    [[nodiscard]] TintTransform ToRGB(const COLOR::IConnectionColorSpace& cmyk,
+                                      const TintTransform& tint) const;
+    /// A calculator from `inks` tints to `outputs` components; a new reference, or null.
+    COLOR::IColorFunction* CreateInkFunction(const TextBuffer& program, std::int32_t inks,
+                                             std::int32_t outputs) const;
+
+    PostScriptStreamStack& mStreams;
+    IClassFactory* mFactory = nullptr;                   // outlives every job
+    GRAPHICS::IGraphicsState* mGraphicsState = nullptr;  // the host's, outlives the job
+    TInterfacePtr<GRAPHICS::IMutableGraphicsStateStack> mState;
+    TextBuffer mText;
+    /// What each resource number stands for since it was defined last.
+    std::map<std::int32_t, ResourceKey> mResources;
+};
+
+}  // namespace VANTIX::PS

@@ -1,0 +1,6 @@
+// SPDX-License-Identifier: MIT
+#include "support/recordinglogger.h"
+
+VANTIX::VLoggerLibInterface* VANTIX::VLoggerLibInterface::GetInstance() {
+    return &TEST::RecordingLogger::Get();
+}
