@@ -22,8 +22,8 @@ using ColorSpacePtr = TInterfacePtr<COLOR::IConnectionColorSpace>;
 struct CalibratedParameters {
     std::array<float, 3> white{0.9642F, 1.0F, 0.8249F};
     std::array<float, 3> black{};
-    std::vector<float> gammas;  ///< none, one (gray) or three
-    std::vector<float> matrix;  ///< none, or nine
+    std::vector<float> gammas{};  ///< none, one (gray) or three
+    std::vector<float> matrix{};  ///< none, or nine
     std::array<float, 4> labRange{-100, 100, -100, 100};
 };
 
@@ -31,9 +31,9 @@ struct CalibratedParameters {
 /// RGB, gray with the sRGB curve, and for CMYK the conversion of the PostScript Language
 /// Reference, 7.2.
 struct DefaultProfiles {
-    std::vector<std::uint8_t> gray;
-    std::vector<std::uint8_t> rgb;
-    std::vector<std::uint8_t> cmyk;
+    std::vector<std::uint8_t> gray{};
+    std::vector<std::uint8_t> rgb{};
+    std::vector<std::uint8_t> cmyk{};
 };
 
 /// Makes every colour space of the host, for the reader and for the plug-in. Spaces keep references

@@ -40,12 +40,12 @@ NORVANE_HOST_API FunctionPtr MakeStitchingFunction(FunctionShape shape,
 
 /// The description of a table; empty `encode` and `decode` mean the defaults.
 struct SampledTable {
-    std::vector<std::int32_t> sizes;
+    std::vector<std::int32_t> sizes{};
     std::int32_t bitsPerSample = 8;
     std::int32_t order = 1;
-    std::vector<float> encode;
-    std::vector<float> decode;
-    std::vector<std::uint8_t> samples;
+    std::vector<float> encode{};
+    std::vector<float> decode{};
+    std::vector<std::uint8_t> samples{};
 };
 
 NORVANE_HOST_API FunctionPtr MakeSampledFunction(FunctionShape shape, SampledTable table,
@@ -62,15 +62,18 @@ NORVANE_HOST_API FunctionPtr MakeFunctionArray(std::vector<FunctionPtr> function
 /// The identity of `count` inputs, as one calculator (what /Identity stands for).
 NORVANE_HOST_API FunctionPtr MakeIdentityFunction(std::int32_t count);
 
-/// A form of a tint function that the plug-in writes exactly where it would spoil the given one:
-/// - a sampled function of one input (also inside a stitching) becomes a stitching of at most 24
-///   linear pieces, with an error of at most 1/512 where 24 pieces allow it;
-/// - a sampled function of several inputs whose alternate is not CMYK becomes a calculator,
-///   multilinear over the corner values;
-/// - an array of functions, and a function whose depth or text would be too great for a procedure
-/// of
-///   8191 characters, becomes one of the above by sampling.
-/// Every other function is answered as it is.
+/// A form of a tint function, for tints from 0 to 1, that the plug-in writes exactly where it would
+/// spoil the given one. What is written right is answered as it is. Else
+/// - a function of one input (a table, or one whose domain, range or bounds the written text would
+///   pass over) becomes at most 24 linear pieces, with an error of at most 1/512 where 24 pieces
+///   allow it;
+/// - a table of several inputs, unless the alternate is CMYK and the table is a product of inks up
+///   to 1/64, becomes a calculator: multilinear over the corner values, or, where that does not fit
+///   a procedure (beyond about six inputs), for each output the sum or the product of what the inks
+///   do alone;
+/// - a calculator is cleaned of comments and clips by itself; one that fails for some tint, leaves
+///   values over or is too long for a procedure of 8191 characters becomes one of the above, and so
+///   does an array of functions.
 NORVANE_HOST_API FunctionPtr NormaliseTintFunction(const FunctionPtr& tint, bool alternateIsCMYK);
 
 }  // namespace VANTIX::HOST

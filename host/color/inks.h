@@ -14,7 +14,7 @@ namespace VANTIX::HOST {
 /// One ink of a collection. `kind` colour components are in host form, `signatureValues` are ink
 /// amounts (or components of the signature's own model).
 struct InkDescription {
-    std::string name;  ///< UTF-8
+    std::string name{};  ///< UTF-8
     COLOR::InkColorKind kind = COLOR::InkColorKind::kCMYK;
     std::array<float, 4> color{};
     FourCC signature = 0;

@@ -15,10 +15,12 @@ inline constexpr GUID IID_HOSTBASECONNECTIONSPACE = "6E9B1D20-3A57-4C8F-9B44-8C1
 
 /// The host's front object. Forwards every slot to its delegate space, which owns it, and keeps the
 /// colour-space table and the graphics states. Its `QueryInterface` never asks the delegate, but
-/// for `CLSID_POSTSCRIPTCONNECTIONSPACE`.
+/// for `CLSID_POSTSCRIPTCONNECTIONSPACE`. From the delegate's destruction on nothing is forwarded
+/// any more; who holds a soft mask in the state lets it go before.
 class NORVANE_HOST_API BaseConnectionSpace : public TObject<GRAPHICS::IBaseConnectionSpace> {
 public:
-    BaseConnectionSpace();
+    /// `gray` is the space of the initial colours (null: none).
+    explicit BaseConnectionSpace(TInterfacePtr<COLOR::IConnectionColorSpace> gray);
     ~BaseConnectionSpace() override;
 
     /// The host's base space behind `space` (borrowed), or null when it is another's.
@@ -32,11 +34,15 @@ public:
     void EnterColorSpace(COLOR::IConnectionColorSpace* space, ResourceId id);
 
     Status QueryInterface(const GUID& id, void** out) override;
+    /// `kInvalidArgument` without a delegate, or for a second one.
     Status Init(GRAPHICS::IDelegateConnectionSpace* delegate) override;
     bool GetColorSpace(ResourceId id, COLOR::IConnectionColorSpace** out) override;
 
     void PlayTo(GRAPHICS::IConnectionSpace& space) const override;
+    /// Does nothing when the state's stack is full, which `State().Depth()` shows.
     void SaveGraphicsState() override;
+    /// Releases the soft mask of the level that ends, then restores. Does nothing on the first
+    /// level.
     void RestoreGraphicsState() override;
     void Scale(float sx, float sy) override;
     void Translate(float tx, float ty) override;
@@ -108,7 +114,11 @@ public:
     void Reserved18() override;
 
 private:
+    class Tie;
+
     GRAPHICS::IDelegateConnectionSpace* mDelegate = nullptr;  // not counted: it owns this object
+    Tie* mTie = nullptr;                                      // not counted: the delegate owns it
+    bool mAskingDelegate = false;
     TInterfacePtr<GraphicsState> mState;
     std::map<ResourceId, TInterfacePtr<COLOR::IConnectionColorSpace>> mSpaces;
 };
