@@ -4,11 +4,11 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <qpdf/QPDF.hh>
 #include <string>
 #include <vector>
 
 #include "pdf/diagnostics.h"
+#include "pdf/qpdfheaders.h"
 
 namespace VANTIX::PDF {
 
@@ -53,7 +53,13 @@ public:
 
     /// For the reader's own use.
     QPDF& Qpdf();
+    /// Null beyond the last page.
     QPDFObjectHandle Page(int index) const;
+    /// A page's attribute, inherited from the page tree where the page lacks it; else null.
+    QPDFObjectHandle Attribute(int index, const std::string& key) const;
+    /// Hands what libqpdf has found wrong since the last call to the diagnostics, under kind
+    /// "damaged".
+    void ReportWarnings(int page = 0);
 
 private:
     PdfDocument();

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+#include "pdf/contentinterpreter.h"
+
+#include <algorithm>
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "pdf/objects.h"
+#include "pdf/operators.h"
+
+namespace VANTIX::PDF {
+
+namespace {
+
+// A host that refuses a level would fall out of step.
+constexpr std::size_t kMaxDepth = HOST::GraphicsState::kMaxLevels - 2;
+
+}  // namespace
+
+ContentInterpreter::ScopedLevel::ScopedLevel(ContentInterpreter& interpreter)
+    : mInterpreter(interpreter), mDepth(interpreter.mLevels.size()), mSaved(interpreter.Save()) {}
+
+ContentInterpreter::ScopedLevel::~ScopedLevel() {
+    mInterpreter.RestoreTo(mDepth);
+}
+
+ContentInterpreter::ContentInterpreter(PlayContext& context) : mContext(context) {
+    Level first;
+    first.fillSpace = first.strokeSpace = mContext.colorSpaces.Named("DeviceGray", {});
+    mLevels.push_back(first);
+}
+
+bool ContentInterpreter::Save() {
+    if (mContext.space.State().Depth() >= kMaxDepth) {
+        mContext.reporter.Warn("nesting", "Graphics states are nested too deep");
+        return false;
+    }
+    mLevels.emplace_back(Level(mLevels.back()));
+    mContext.space.SaveGraphicsState();
+    return true;
+}
+
+void ContentInterpreter::RestoreTo(std::size_t depth) {
+    while (mLevels.size() > depth) {
+        mLevels.pop_back();
+        mContext.space.RestoreGraphicsState();
+    }
+}
+
+void ContentInterpreter::Play(std::string_view content, Resources& resources) {
+    ContentParser parser(content);
+    const Frame outer = mFrame;
+    const std::size_t floor = mLevels.size();
+    mFrame = {&parser, &resources, floor, 0, 0, 0, 0};
+    mPath.Clear();
+    mPendingClip = PendingClip::kNone;
+    Run(parser);
+    RestoreTo(floor);
+    mPath.Clear();
+    mPendingClip = PendingClip::kNone;
+    mFrame = outer;
+}
+
+void ContentInterpreter::Run(ContentParser& parser) {
+    for (bool more = true; more;) {
+        try {
+            while (parser.Next()) {
+                Execute(parser);
+            }
+            more = false;
+        } catch (const std::exception& failure) {
+            mContext.reporter.Warn("bad-operator", failure.what());
+        }
+    }
+}
+
+void ContentInterpreter::Execute(ContentParser& parser) {
+    const Operators::Entry* entry = FindOperator(parser.Operator());
+    if (entry == nullptr) {
+        if (mFrame.compatibility == 0) {
+            mContext.reporter.Warn("bad-operator",
+                                   "Unknown operator " + std::string(parser.Operator()));
+        }
+        return;
+    }
+    if (entry->numbers > 0 && !TakeNumbers(entry->numbers)) {
+        BadOperands();
+        return;
+    }
+    (this->*entry->handler)(mNumbers.data());
+}
+
+// The last operands count, as on an interpreter's stack.
+bool ContentInterpreter::TakeNumbers(std::size_t count) {
+    const std::vector<Operand>& operands = Operands();
+    if (operands.size() < count || !mFrame.parser->OperandsAreFlat()) {
+        return false;
+    }
+    const Operand* operand = operands.data() + (operands.size() - count);
+    for (std::size_t i = 0; i < count; ++i, ++operand) {
+        if (operand->kind != OperandKind::kNumber) {
+            return false;
+        }
+        mNumbers[i] = ToFloat(operand->number);
+    }
+    return true;
+}
+
+std::optional<std::string_view> ContentInterpreter::LastName() {
+    const std::vector<Operand>& operands = Operands();
+    if (operands.empty() || operands.back().kind != OperandKind::kName) {
+        BadOperands();
+        return std::nullopt;
+    }
+    return operands.back().text;
+}
+
+void ContentInterpreter::BadOperands() {
+    mContext.reporter.Warn("bad-operator",
+                           "Bad operands of " + std::string(mFrame.parser->Operator()));
+}
+
+template <const char* Kind, const char* Message>
+void ContentInterpreter::Skip(Numbers) {
+    if (!IsHidden()) {
+        mContext.reporter.Warn(Kind, Message);
+    }
+}
+
+}  // namespace VANTIX::PDF

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string_view>
+#include <vector>
+
+#include "core/color/colorconversion.h"
+#include "host/graphics/baseconnectionspace.h"
+#include "pdf/colorspaces.h"
+#include "pdf/contentparser.h"
+#include "pdf/forms.h"
+#include "pdf/optionalcontent.h"
+#include "pdf/path.h"
+#include "pdf/qpdfheaders.h"
+#include "pdf/reporter.h"
+#include "pdf/resources.h"
+
+namespace VANTIX::PDF {
+
+/// What all content of a document is played with.
+struct PlayContext {
+    HOST::BaseConnectionSpace& space;
+    ColorSpaces& colorSpaces;
+    OptionalContent& optionalContent;
+    FormCache& forms;
+    Reporter& reporter;
+    /// Overrides the intents of the content.
+    std::optional<COLOR::TRenderingIntent> intent;
+};
+
+/// Plays the content of one page, of its forms and of its annotations into the connection space
+/// (PDF Reference, appendix A). Handlers of operators are spread over files by topic; the table in
+/// operators.h leads to them. Keeps its own levels of the graphics state in step with the host's.
+class ContentInterpreter {
+public:
+    /// Saves a level of the graphics state and goes back to it at its end, whatever has happened.
+    class ScopedLevel {
+    public:
+        explicit ScopedLevel(ContentInterpreter& interpreter);
+        ~ScopedLevel();
+        ScopedLevel(const ScopedLevel&) = delete;
+        ScopedLevel& operator=(const ScopedLevel&) = delete;
+        ScopedLevel(ScopedLevel&&) = delete;
+        ScopedLevel& operator=(ScopedLevel&&) = delete;
+
+        /// False when the levels are exhausted: nothing may be drawn in this one.
+        [[nodiscard]] bool IsSaved() const { return mSaved; }
+
+    private:
+        ContentInterpreter& mInterpreter;
+        std::size_t mDepth;
+        bool mSaved;
+    };
+
+    explicit ContentInterpreter(PlayContext& context);
+
+    /// Plays decoded content; levels that it leaves open are closed.
+    void Play(std::string_view content, Resources& resources);
+
+    /// Draws a form XObject under the current matrix in a level of its own. `resources` serve a
+    /// form that has none.
+    void DrawForm(const QPDFObjectHandle& stream, Resources& resources);
+
+    /// Concatenates; false for a matrix that is of no use, under which nothing is painted until the
+    /// level ends.
+    bool Concat(const std::array<double, 6>& matrix);
+
+    /// Clips to a rectangle of user space.
+    void ClipToBox(const std::array<double, 4>& box);
+
+private:
+    friend struct Operators;
+    using Numbers = const float*;
+
+    enum PaintFlags : unsigned { kFill = 1, kEvenOdd = 2, kStroke = 4, kClose = 8 };
+    enum class PendingClip : std::uint8_t { kNone, kNonZero, kEvenOdd };
+
+    /// Line parameters as written last, so that repetition is not.
+    struct LineState {
+        static constexpr std::size_t kMaxDash = 8;
+        float width = 1.0F;
+        std::int32_t cap = 0;
+        std::int32_t join = 0;
+        float miterLimit = 10.0F;
+        float flatness = -1.0F;  // a device's own until it is set
+        std::array<float, kMaxDash> dash{};
+        std::size_t dashCount = 0;
+        float dashPhase = 0.0F;
+    };
+
+    /// One level of the graphics state, as far as the host does not keep it.
+    struct Level {
+        std::array<double, 6> matrix{1, 0, 0, 1, 0, 0};
+        bool isCollapsed = false;  // a matrix of no use is in force
+        const ColorSpaceEntry* fillSpace = nullptr;
+        const ColorSpaceEntry* strokeSpace = nullptr;
+        LineState line;
+    };
+
+    /// What belongs to one stream of content.
+    struct Frame {
+        ContentParser* parser = nullptr;
+        Resources* resources = nullptr;
+        std::size_t floor = 1;          // levels that Q may not close
+        std::size_t ignoredSaves = 0;   // q beyond the limit
+        std::size_t markDepth = 0;      // open marked-content sequences
+        std::size_t hiddenDepth = 0;    // the one that hides content, or 0
+        std::size_t compatibility = 0;  // open BX
+    };
+
+    void Run(ContentParser& parser);
+    void Execute(ContentParser& parser);
+    bool TakeNumbers(std::size_t count);
+
+    [[nodiscard]] const std::vector<Operand>& Operands() const { return mFrame.parser->Operands(); }
+
+    /// The name that is the last operand, raw; nothing with a warning when there is none.
+    std::optional<std::string_view> LastName();
+    void BadOperands();
+
+    [[nodiscard]] bool IsHidden() const { return mFrame.hiddenDepth != 0; }
+
+    HOST::GraphicsParameters& State() { return mContext.space.State().Current(); }
+
+    Level& Top() { return mLevels.back(); }
+
+    bool Save();
+    void RestoreTo(std::size_t depth);
+
+    void Ignore(Numbers) {}
+
+    template <const char* Kind, const char* Message>
+    void Skip(Numbers);
+
+    // contentinterpreter_graphics.cpp
+    void SaveLevel(Numbers);
+    void RestoreLevel(Numbers);
+    void ConcatMatrix(Numbers v);
+    void LineWidth(Numbers v);
+    void LineCap(Numbers v);
+    void LineJoin(Numbers v);
+    void MiterLimit(Numbers v);
+    void Flatness(Numbers v);
+    void Dash(Numbers);
+    void RenderingIntent(Numbers);
+    void GraphicsStateDictionary(Numbers);
+    void SetDash(std::vector<float> lengths, float phase);
+    void SetIntent(const std::string& name);
+    struct Settings;
+
+    // contentinterpreter_path.cpp
+    void MoveTo(Numbers v);
+    void LineTo(Numbers v);
+    void CurveTo(Numbers v);
+    void CurveFromCurrent(Numbers v);
+    void CurveToEnd(Numbers v);
+    void ClosePath(Numbers);
+    void Rectangle(Numbers v);
+    void ClipNonZero(Numbers);
+    void ClipEvenOdd(Numbers);
+
+    template <unsigned Flags>
+    void PaintPath(Numbers) {
+        Paint(Flags);
+    }
+
+    void Paint(unsigned flags);
+    bool MayPaint(bool fill);
+
+    // contentinterpreter_color.cpp
+    template <bool Fill>
+    void ColorSpace(Numbers) {
+        SelectSpace(Fill);
+    }
+
+    template <bool Fill>
+    void Color(Numbers) {
+        SetColor(Fill);
+    }
+
+    template <bool Fill, std::size_t Device>
+    void DeviceColor(Numbers v) {
+        SetDeviceColor(Fill, Device, v);
+    }
+
+    void SelectSpace(bool fill);
+    void SetColor(bool fill);
+    void SetDeviceColor(bool fill, std::size_t device, Numbers v);
+    void Select(bool fill, const ColorSpaceEntry& space);
+
+    HOST::CurrentColor& ColorOf(bool fill) { return fill ? State().fill : State().stroke; }
+
+    // contentinterpreter_xobject.cpp
+    void XObject(Numbers);
+    void ImageData(Numbers);
+    void BeginMark(Numbers);
+    void BeginMarkWithProperties(Numbers);
+    void EndMark(Numbers);
+    void BeginCompatibility(Numbers);
+    void EndCompatibility(Numbers);
+    bool EnterGroup(const Form& form);
+
+    static constexpr std::size_t kMaxFormDepth = 28;
+
+    PlayContext& mContext;
+    std::vector<Level> mLevels;
+    Frame mFrame;
+    Path mPath;
+    PendingClip mPendingClip = PendingClip::kNone;
+    std::array<float, 6> mNumbers{};
+    std::vector<float> mValues;
+    std::set<QPDFObjGen> mOpenForms;
+};
+
+}  // namespace VANTIX::PDF

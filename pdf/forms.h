@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "pdf/objects.h"
+#include "pdf/qpdfheaders.h"
+#include "pdf/reporter.h"
+#include "pdf/resources.h"
+
+namespace VANTIX::PDF {
+
+/// Content beyond this many bytes is cut off: it is hostile.
+inline constexpr std::size_t kLargestContent = std::size_t{1} << 30U;
+
+/// Reports what went wrong with the data of a stream, under the kinds "filter" and "damaged".
+void ReportStream(StreamResult result, const std::string& what, Reporter& reporter);
+
+/// A form XObject, read and decoded (PDF Reference, 4.9).
+struct Form {
+    std::string content;
+    std::array<double, 6> matrix{1, 0, 0, 1, 0, 0};
+    std::optional<std::array<double, 4>> box;
+    std::unique_ptr<Resources> resources;  ///< null: those of the content that draws the form
+    bool isGroup = false;
+    bool isKnockout = false;
+};
+
+/// Forms are drawn again and again: keeps the last ones decoded.
+class FormCache {
+public:
+    FormCache(ColorSpaces& colorSpaces, Reporter& reporter)
+        : mColorSpaces(colorSpaces), mReporter(reporter) {}
+
+    /// The form of `stream`; what cannot be decoded has no content.
+    std::shared_ptr<Form> Find(const QPDFObjectHandle& stream);
+
+private:
+    static constexpr std::size_t kMaxBytes = std::size_t{32} << 20U;
+    static constexpr std::size_t kMaxForms = 4096;
+
+    ColorSpaces& mColorSpaces;
+    Reporter& mReporter;
+    std::map<QPDFObjGen, std::shared_ptr<Form>> mForms;
+    std::size_t mBytes = 0;
+};
+
+}  // namespace VANTIX::PDF

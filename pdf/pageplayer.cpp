@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#include "pdf/pageplayer.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "pdf/annotations.h"
+#include "pdf/colorspaces.h"
+#include "pdf/contentinterpreter.h"
+#include "pdf/forms.h"
+#include "pdf/objects.h"
+#include "pdf/optionalcontent.h"
+#include "pdf/resources.h"
+
+namespace VANTIX::PDF {
+
+struct PagePlayer::Parts {
+    Parts(PdfDocument& theDocument, HOST::Host& host, HOST::BaseConnectionSpace& space,
+          const ReaderOptions& theOptions, Diagnostics& diagnostics)
+        : document(theDocument),
+          options(theOptions),
+          reporter(diagnostics),
+          colorSpaces(host.ColorSpaces(), space,
+                      {theOptions.languageLevel, theOptions.embedProfiles}, reporter),
+          optionalContent(theDocument.Qpdf()),
+          forms(colorSpaces, reporter),
+          context{space, colorSpaces, optionalContent, forms, reporter, theOptions.intent} {}
+
+    void ReadContent(int index);
+    void PlayPage(int index);
+    void SetUpPage(ContentInterpreter& interpreter, const PageGeometry& geometry);
+    void PlayAnnotations(ContentInterpreter& interpreter, int index, Resources& resources);
+
+    PdfDocument& document;
+    ReaderOptions options;
+    Reporter reporter;
+    ColorSpaces colorSpaces;
+    OptionalContent optionalContent;
+    FormCache forms;
+    PlayContext context;
+    std::string content;  // of the page being played; storage serves all pages
+};
+
+PagePlayer::PagePlayer(PdfDocument& document, HOST::Host& host, HOST::BaseConnectionSpace& space,
+                       const ReaderOptions& options, Diagnostics& diagnostics)
+    : mParts(std::make_unique<Parts>(document, host, space, options, diagnostics)) {}
+
+PagePlayer::~PagePlayer() = default;
+
+void PagePlayer::Play(int index) {
+    mParts->reporter.SetPage(index + 1);
+    try {
+        mParts->PlayPage(index);
+        mParts->document.ReportWarnings(index + 1);
+    } catch (const std::exception& failure) {
+        mParts->reporter.Warn("damaged", failure.what());
+    }
+    mParts->reporter.SetPage(0);
+}
+
+const std::set<std::string>& PagePlayer::ColorSpaceNames() const {
+    return mParts->colorSpaces.UsedNames();
+}
+
+void PagePlayer::Parts::ReadContent(int index) {
+    content.clear();
+    QPDFObjectHandle contents = document.Attribute(index, "/Contents");
+    if (contents.isNull()) {
+        return;
+    }
+    const int count = contents.isArray() ? contents.getArrayNItems() : 1;
+    for (int i = 0; i < count; ++i) {
+        const QPDFObjectHandle stream = contents.isArray() ? contents.getArrayItem(i) : contents;
+        const StreamResult result = AppendStreamData(stream, content, kLargestContent);
+        ReportStream(result, "Page content", reporter);
+        if (result == StreamResult::kTooLarge) {
+            return;
+        }
+        content.push_back('\n');
+    }
+}
+
+void PagePlayer::Parts::SetUpPage(ContentInterpreter& interpreter, const PageGeometry& geometry) {
+    std::array<double, 6> matrix{};
+    std::copy(geometry.matrix.begin(), geometry.matrix.end(), matrix.begin());
+    interpreter.Concat(matrix);
+    context.space.SaveInitialPageMatrix();
+    std::array<double, 4> box{};
+    std::copy(geometry.box.begin(), geometry.box.end(), box.begin());
+    interpreter.ClipToBox(box);
+    if (options.intent) {
+        HOST::GraphicsParameters& state = context.space.State().Current();
+        state.intent = state.intent2 = *options.intent;
+        context.space.SelectRenderingIntent(*options.intent);
+        context.space.SelectRenderingIntent2(*options.intent);
+    }
+}
+
+void PagePlayer::Parts::PlayPage(int index) {
+    ReadContent(index);
+    Resources resources(document.Attribute(index, "/Resources"), colorSpaces);
+    ContentInterpreter interpreter(context);
+    const ContentInterpreter::ScopedLevel page(interpreter);
+    SetUpPage(interpreter, document.Geometry(index, options.box));
+    {
+        const ContentInterpreter::ScopedLevel contentLevel(interpreter);
+        interpreter.Play(content, resources);
+    }
+    PlayAnnotations(interpreter, index, resources);
+}
+
+void PagePlayer::Parts::PlayAnnotations(ContentInterpreter& interpreter, int index,
+                                        Resources& resources) {
+    for (const Appearance& appearance :
+         PrintedAppearances(document.Attribute(index, "/Annots"), optionalContent)) {
+        const ContentInterpreter::ScopedLevel level(interpreter);
+        if (level.IsSaved() && interpreter.Concat(appearance.matrix)) {
+            interpreter.DrawForm(appearance.form, resources);
+        }
+    }
+}
+
+}  // namespace VANTIX::PDF
