@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/graphics/baseconnectionspace.h"
+#include "host/host.h"
+#include "host/io/fileprovider.h"
+#include "host/support/logger.h"
+#include "support/ghostscriptpages.h"
+#include "support/temporaryfolder.h"
+
+namespace VANTIX::HOST {
+namespace {
+
+constexpr std::int32_t kLevelKey = 103;
+constexpr std::int32_t kDefaultColourKey = 106;
+constexpr std::size_t kFrameBytes = 556;
+
+/// Only distillers know the operator of the prolog.
+constexpr std::string_view kGuard =
+    "%!PS-Adobe-3.0\n"
+    "/setdistillerparams where {pop} {userdict /setdistillerparams {pop} put} ifelse\n";
+
+/// Jobs of the built plug-in in the host. Nothing that it reports is expected.
+class Job : public testing::Test {
+protected:
+    Job() {
+        SetLogSink(
+            [](const LogEntry& entry) { ADD_FAILURE() << entry.file << ": " << entry.text; });
+        std::string error;
+        EXPECT_TRUE(mHost.LoadPlugin(NORVANE_PLUGIN, error)) << error;
+        exporter = mHost.CreateExporter();
+        policy = mHost.CreatePolicy();
+    }
+
+    ~Job() override { SetLogSink({}); }
+
+    void SetUp() override { ASSERT_TRUE(exporter); }
+
+    [[nodiscard]] std::string Path(const char* name) const { return mFolder.File(name); }
+
+    static TInterfacePtr<FileProvider> Create(const std::string& path) {
+        return MakeObject<FileProvider>(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600));
+    }
+
+    /// Runs a job and answers its text; `draw` gets the space to draw into.
+    std::string Run(const std::function<void(BaseConnectionSpace&, IO::IDataProvider&)>& draw,
+                    std::string_view preamble = {}) {
+        const auto output = Create(Path("job.ps"));
+        output->Write(preamble.data(), preamble.size());
+        auto* base = BaseConnectionSpace::From(exporter->Begin(*output, policy.Get()));
+        if (base == nullptr) {
+            return "no space";
+        }
+        draw(*base, *output);
+        EXPECT_EQ(exporter->End(), STATUS::kOk);
+        EXPECT_EQ(output->FirstError(), 0);
+        return TEST::ReadFile(Path("job.ps"));
+    }
+
+    /// Makes `values` (in host form) the current fill or stroke colour.
+    void SetColor(BaseConnectionSpace& base, bool fill, FourCC family,
+                  const std::vector<float>& values) {
+        CurrentColor& color = fill ? base.State().Current().fill : base.State().Current().stroke;
+        color.space = mHost.ColorSpaces().DeviceSpace(family);
+        color.id = family;
+        color.count = static_cast<std::int32_t>(values.size());
+        std::copy(values.begin(), values.end(), color.values.begin());
+    }
+
+    TInterfacePtr<GRAPHICS::IGraphicExporter> exporter;
+    TInterfacePtr<IO::IDictionary> policy;
+
+private:
+    TEST::TemporaryFolder mFolder;
+    Host mHost;
+};
+
+/// Whether red, green and blue are light.
+using Pixel = std::array<bool, 3>;
+
+void Rectangle(BaseConnectionSpace& base, float x, float y, float side) {
+    const std::array<float, 6> rest{x + side, y, x + side, y + side, x, y + side};
+    base.MoveTo(x, y);
+    base.LineTo(rest.data(), 3);
+    base.ClosePath();
+}
+
+void DrawNothing(BaseConnectionSpace& /*base*/, IO::IDataProvider& /*output*/) {}
+
+TEST_F(Job, AnEmptyJobIsItsFrameAlone) {
+    policy->SetBool(kDefaultColourKey, false);
+    const std::string text = Run(DrawNothing);
+    EXPECT_EQ(text.size(), kFrameBytes);
+    EXPECT_EQ(text.substr(text.size() - 17), "} bind def\n%%EOF\n");
+}
+
+TEST_F(Job, TheDefaultColourFollowsTheProlog) {
+    const std::string text = Run(DrawNothing);
+    EXPECT_EQ(text.substr(kFrameBytes - 6),
+              "/DeviceRGB setcolorspace %set default colour to RGB black\n%%EOF\n");
+}
+
+TEST_F(Job, NestedJobsEndInnermostFirst) {
+    const auto outer = Create(Path("outer.ps"));
+    const auto inner = Create(Path("inner.ps"));
+    ASSERT_NE(exporter->Begin(*outer, policy.Get()), nullptr);
+    ASSERT_NE(exporter->Begin(*inner, policy.Get()), nullptr);
+    EXPECT_EQ(exporter->End(), STATUS::kOk);
+    EXPECT_EQ(inner->BytesWritten(), outer->BytesWritten() + 6);
+    EXPECT_EQ(exporter->End(), STATUS::kOk);
+    EXPECT_EQ(inner->BytesWritten(), outer->BytesWritten());
+}
+
+TEST_F(Job, AFullDiskIsKnownAfterTheJob) {
+    const auto output = Create("/dev/full");
+    ASSERT_NE(exporter->Begin(*output, policy.Get()), nullptr);
+    exporter->End();
+    EXPECT_EQ(output->FirstError(), ENOSPC);
+}
+
+TEST_F(Job, AnUnfinishedJobEndsWithItsExporter) {
+    const auto output = Create(Path("unfinished.ps"));
+    ASSERT_NE(exporter->Begin(*output, policy.Get()), nullptr);
+    exporter = nullptr;
+    EXPECT_EQ(output->Flush(), STATUS::kOk);
+}
+
+class JobAtLevel : public Job, public testing::WithParamInterface<std::int32_t> {};
+
+TEST_P(JobAtLevel, PathsInTheDeviceSpacesComeOut) {
+    policy->SetInt(kLevelKey, GetParam());
+    Run(
+        [this](BaseConnectionSpace& base, IO::IDataProvider& output) {
+            base.SaveGraphicsState();
+            SetColor(base, true, "rgb "_cc, {1, 0, 0});
+            SetColor(base, false, "cmyk"_cc, {0, 1, 1, 1});
+            base.SetLineWidth(20);
+            Rectangle(base, 100, 100, 100);
+            base.Fill();
+            base.Stroke();
+            base.NewPath();
+            base.RestoreGraphicsState();
+            Rectangle(base, 300, 100, 100);
+            Rectangle(base, 325, 125, 50);
+            base.EOFill();
+            base.NewPath();
+            const std::string_view end = "showpage\n";
+            output.Write(end.data(), end.size());
+        },
+        kGuard);
+    const auto drawn = TEST::DrawPages(Path("job.ps"), {});
+    EXPECT_EQ(drawn.complaint, "");
+    ASSERT_EQ(drawn.pages.size(), 1U);
+    const auto isColor = [&page = drawn.pages[0]](std::size_t x, std::size_t y, Pixel expected) {
+        const std::size_t row = page.height - 1 - y;
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            // Ghostscript's own cyan is not pure.
+            if ((page.At(x, row, channel) > 127) != expected[channel]) {
+                return false;
+            }
+        }
+        return true;
+    };
+    EXPECT_TRUE(isColor(150, 150, {true, false, false})) << "the red fill";
+    EXPECT_TRUE(isColor(100, 150, {false, true, true})) << "the cyan stroke";
+    EXPECT_TRUE(isColor(310, 150, {false, false, false})) << "the black of the outer state";
+    EXPECT_TRUE(isColor(350, 150, {true, true, true})) << "the hole";
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, JobAtLevel, testing::Values(2, 3));
+
+}  // namespace
+}  // namespace VANTIX::HOST
