@@ -56,6 +56,18 @@ public:
     /// The profile-based form of a device or profile-based space (borrowed; a profile-based space
     /// answers itself), or null.
     virtual IConnectionColorSpace* GetProfileForm() = 0;
+
+    /// Converts a line of `width` pixels to the connection colour: three floats a pixel. `planes`
+    /// holds one line for each component, of 8-bit samples or 16-bit native words; a null plane
+    /// reads as zeros. 0, or the failing status.
+    virtual Status LineToPCS(const std::uint8_t* const* planes, std::int32_t width,
+                             std::int32_t bits, float* pcs, TRenderingIntent intent) const = 0;
+
+    /// The way back into planes of `bits` 8 or 16. `alpha` is a line of the same depth that is
+    /// composited over white, or null. 0, or the failing status.
+    virtual Status LineFromPCS(const float* pcs, const std::uint8_t* alpha, std::int32_t width,
+                               std::int32_t bits, std::uint8_t* const* planes,
+                               TRenderingIntent intent) const = 0;
 };
 
 /// DeviceGray, DeviceRGB or DeviceCMYK.

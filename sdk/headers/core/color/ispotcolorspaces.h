@@ -21,6 +21,13 @@ public:
     virtual IConnectionColorSpace* GetAlternateSpace() const = 0;
     /// From the tint to the alternate's components in PDF form (borrowed), or null.
     virtual IColorFunction* GetTintFunction() const = 0;
+    /// Tables of `size` tints from none to full for painting this ink over colours of `target`:
+    /// `colours` takes the ink's colours (size x the target's components, host form, 0 to 1),
+    /// `coverage` how far each tint covers what is under it (size floats: tint x `opacity`).
+    /// 0, or the failing status.
+    virtual Status FillSpotTables(const IConnectionColorSpace& target, float* colours,
+                                  float* coverage, std::int32_t size, TRenderingIntent sourceIntent,
+                                  TRenderingIntent destinationIntent, float opacity) const = 0;
 };
 
 /// Several colorants with an alternate space. Colorants may be given by an ink collection alone.

@@ -48,6 +48,9 @@ public:
 /// A picture: planes of samples in a colour space, with extra channels for spot plates and alpha.
 class IRasterComponent : public IObject {
 public:
+    /// Makes primaries for the components of `space`, with memory of their own, all samples zero.
+    /// Resolutions are in pixels per inch (0: unknown). `channelSettings` 1 leaves the primaries
+    /// out; `flags` must be 0.
     virtual Status Init(COLOR::IConnectionColorSpace* space, std::int32_t width,
                         std::int32_t height, std::int8_t bits, float xResolution, float yResolution,
                         std::uint8_t channelSettings, std::int32_t flags) = 0;

@@ -6,9 +6,10 @@
 
 namespace VANTIX::GRAPHICS {
 
-/// A delegate connection space in which every slot does nothing, answers false where a query is
-/// reserved and true where a text object or a group begins. Writers override what they write.
-class DelegateConnectionSpace : public TObject<IDelegateConnectionSpace> {
+/// A connection space of the interface `I` in which every slot does nothing, answers false where a
+/// query is reserved and true where a text object or a group begins.
+template <class I>
+class IdleConnectionSpace : public TObject<I> {
 public:
     void PlayTo(IConnectionSpace& /*space*/) const override {}
 
@@ -152,7 +153,11 @@ public:
     void SaveInitialPageMatrix() override {}
 
     void Reserved18() override {}
+};
 
+/// A delegate connection space that does nothing. Writers override what they write.
+class DelegateConnectionSpace : public IdleConnectionSpace<IDelegateConnectionSpace> {
+public:
     bool Init(IO::IDataProvider* /*stream*/, IClassFactory* /*factory*/,
               const IO::IDictionary* /*policy*/) override {
         return true;
