@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "baseconnectionspacedelegate/baseconnectionspacedelegate.h"
 
@@ -30,6 +31,49 @@ public:
                              float height) override;
 
 private:
+    /// What the colorants of an image in process colours and spots are put together of.
+    struct Colorants;
+
+    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                      float height, const SpotChannels& spots);
+    void InjectEmbeddedProfiledBasedRaster(GRAPHICS::IRasterComponent& raster, float x, float y,
+                                           float width, float height, const SpotChannels& spots);
+    /// Writes a raster of a Separation or DeviceN space.
+    void InjectSpotSpaceRaster(GRAPHICS::IRasterComponent& raster);
+    /// Writes a raster of a device or profile-based space as one of the device space `family`.
+    void InjectFamilyRaster(GRAPHICS::IRasterComponent& raster, FourCC family);
+    /// Writes a raster whose one channel runs through an RGB profile.
+    void InjectSingleChannelRGB(GRAPHICS::IRasterComponent& raster,
+                                COLOR::IConnectionColorSpace& profile);
+    void WriteCalibratedColour(GRAPHICS::IRasterComponent& raster,
+                               COLOR::IConnectionColorSpace* space, float x, float y, float width,
+                               float height, const SpotChannels& spots);
+    void InjectCMYKPlusSpotRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                                  float height, const SpotChannels& spots,
+                                  COLOR::IConnectionColorSpace* space);
+    void InjectRGBPlusSpotRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                                 float height, const SpotChannels& spots,
+                                 COLOR::IConnectionColorSpace* space);
+    void InjectIndexedPlusSpotRaster(GRAPHICS::IRasterComponent& raster, float x, float y,
+                                     float width, float height, const SpotChannels& spots);
+    void AddSpots(const SpotChannels& spots, COLOR::IConnectionColorSpace& target,
+                  Colorants& colorants) const;
+    void WriteColorantImage(GRAPHICS::IRasterComponent& raster, const Colorants& colorants,
+                            COLOR::IConnectionColorSpace& alternate);
+    void WriteExpandedIndexedImageData(GRAPHICS::IRasterComponent& raster);
+    /// Hands the raster to a DeviceN delegate on the same output.
+    void DrawInDeviceN(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                       float height);
+    /// Begins an image in the space that `colour` spells, 12 bits for samples of 16.
+    bool BeginImage(const GRAPHICS::IRasterComponent& raster, std::string_view colour,
+                    const char* decode);
+    void InjectEmbeddedIndexedImage(GRAPHICS::IRasterComponent& raster,
+                                    COLOR::IIndexedConnectionColorSpace& indexed, bool imagemask);
+    /// Appends the text of a palette's base space with its profile; 0 components (logged) for a
+    /// space without one.
+    void AppendEmbeddedBase(std::string& colour, COLOR::IConnectionColorSpace& base,
+                            Palette& palette);
+
     /// The space that `space` is written as: the alternate of a spot colour that is converted,
     /// else itself.
     [[nodiscard]] COLOR::IConnectionColorSpace* WrittenSpace(

@@ -55,6 +55,11 @@ public:
     void FillWithColorSpace(COLOR::IConnectionColorSpace* shading, ResourceId id, float x, float y,
                             float width, float height, bool paint) override;
 
+    /// Flattens spot channels and writes the soft mask where the options ask for it, and hands the
+    /// raster to the injection operation for its space.
+    void Image(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+               float height) override;
+
     void SetGraphicsState(GRAPHICS::IGraphicsState* state) override { mGraphicsState = state; }
 
     bool CanMarkTheCanvas() const override { return true; }
@@ -148,6 +153,83 @@ protected:
                                 COLOR::IConnectionColorSpace* destination, bool paint,
                                 bool colourManaged);
 
+    using SpotChannels = std::vector<const GRAPHICS::IChannelDesc*>;
+
+    /// A palette as it is written.
+    struct Palette {
+        const std::uint8_t* bytes = nullptr;  ///< entries x components, borrowed
+        std::int32_t entries = 0;
+        std::int32_t components = 0;
+        bool complement = false;  ///< the bytes are complements of what is to be written
+    };
+
+    /// The extra channels of type "SPOT" (borrowed).
+    static SpotChannels FindSpotChannels(const GRAPHICS::IRasterComponent& raster);
+
+    /// Writes 1, 3 or 4 primaries, pixel-interleaved, as the data of the image just begun. Words
+    /// of 16 bits are reduced to 12.
+    void WriteImageData(GRAPHICS::IRasterComponent& raster, std::int32_t channels,
+                        std::int32_t depth, std::int32_t width);
+    /// Writes all primaries and all spot channels, pixel-interleaved; four primaries are
+    /// complemented.
+    void WriteImageData(GRAPHICS::IRasterComponent& raster);
+    /// The same for pixels whose primaries are ink amounts of colorants: all primaries are
+    /// complemented, and those that the raster's mask marks absent are left out.
+    void WriteInkImageData(GRAPHICS::IRasterComponent& raster);
+
+    /// Writes an image with a palette, or its shape as an image mask in a colour of the palette.
+    /// `alternative` (null: none) is the space that the palette is converted into.
+    void InjectIndexedRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                             float height, COLOR::IIndexedConnectionColorSpace* indexed,
+                             COLOR::IConnectionColorSpace* alternative, bool imagemask);
+    /// Appends the colour-space text of an indexed image up to its palette. False (logged) for a
+    /// target that has none; `count` takes the components of a DeviceN target.
+    bool BuildIndexedColourString(std::string& out, COLOR::IConnectionColorSpace* base,
+                                  COLOR::IConnectionColorSpace* target, std::int32_t& count,
+                                  bool withoutPrefix);
+    /// Appends the palette to `colour`, which is the text of its space, and writes image and data.
+    /// An image mask paints with `maskEntry`.
+    void WriteIndexedImage(GRAPHICS::IRasterComponent& raster, std::string& colour,
+                           const Palette& palette, bool imagemask, std::int32_t maskEntry);
+    /// Appends "hh…" for each entry, in lines of 16, and the end of the palette.
+    static void AppendPalette(std::string& out, const Palette& palette);
+    /// Appends the array of a Separation or DeviceN space; false (logged) for any other.
+    bool AppendSpotSpace(std::string& out, COLOR::IConnectionColorSpace& space, std::int32_t& count,
+                         bool colourManaged);
+    /// Whether `raster`'s extra channel 0 has data that is not fully opaque.
+    static bool HasMaskChannel(const GRAPHICS::IRasterComponent& raster);
+
+    /// Writes a gray raster in an alternate space: not possible; always 72 (logged).
+    static Status InjectGreyscaleImageInAlternateColorSpace(GRAPHICS::IRasterComponent& raster,
+                                                            float x, float y, float width,
+                                                            float height, std::int32_t depth);
+
+    /// Paints the spot channels over the process channels of a new raster. 0, or the failing status
+    /// (logged), with `out` null.
+    Status CompositeSpotsToNewRasterInDelegateColorSpace(
+        const GRAPHICS::IRasterComponent& raster, const SpotChannels& spots,
+        TInterfacePtr<GRAPHICS::IRasterComponent>& out) const;
+    Status CreateRasterForSpotComposite(const GRAPHICS::IRasterComponent& raster,
+                                        TInterfacePtr<GRAPHICS::IRasterComponent>& out,
+                                        bool allSpotsHaveSpaces) const;
+    Status CompositeDeviceNRasterToNewRasterInDelegateColorSpace(
+        const GRAPHICS::IRasterComponent& raster,
+        TInterfacePtr<GRAPHICS::IRasterComponent>& out) const;
+
+    /// Writes the raster's alpha channel as a soft-mask image tied to the image that follows
+    /// (pdfmark Reference).
+    void WriteSoftMaskCompositeAlpha(const GRAPHICS::IRasterComponent& raster, float opacity);
+    void Write1BitSoftMask(GRAPHICS::IChannelData* alpha, std::int32_t width, std::int32_t height,
+                           float opacity, std::int32_t maskNumber);
+    void Write2BitSoftMask(GRAPHICS::IChannelData* alpha, std::int32_t width, std::int32_t height,
+                           float opacity, std::int32_t maskNumber);
+    void Write4BitSoftMask(GRAPHICS::IChannelData* alpha, std::int32_t width, std::int32_t height,
+                           float opacity, std::int32_t maskNumber);
+    void Write8BitSoftMask(GRAPHICS::IChannelData* alpha, std::int32_t width, std::int32_t height,
+                           float opacity, std::int32_t maskNumber);
+    void Write16BitSoftMask(GRAPHICS::IChannelData* alpha, std::int32_t width, std::int32_t height,
+                            float opacity, std::int32_t maskNumber);
+
     TInterfacePtr<COLOR::IConnectionColorSpace> mDestination;
     TInterfacePtr<GRAPHICS::ISwizzleServices> mSwizzle;
     IClassFactory* mFactory;
@@ -167,6 +249,18 @@ private:
 
     /// Hangs `name` on the space for the next time and notes it for the clean-up.
     bool KeepName(COLOR::IConnectionColorSpace& space, const std::string& name);
+
+    /// Paints the spot channels over the primaries of `target`; false (logged) when one cannot be.
+    bool PaintSpots(const GRAPHICS::IRasterComponent& raster, const SpotChannels& spots,
+                    GRAPHICS::IRasterComponent& target, bool isAllSpots, bool haveSpaces) const;
+
+    /// Brings a palette of `base`, whose entries and bytes are set, into `target`, or keeps it.
+    /// `storage` holds what has to be converted.
+    bool ConvertPaletteToTarget(const GRAPHICS::IRasterComponent& raster,
+                                COLOR::IConnectionColorSpace& base,
+                                COLOR::IConnectionColorSpace& target, Palette& palette,
+                                std::string& storage);
+    bool KeepPalette(COLOR::IConnectionColorSpace& base, Palette& palette, std::string& storage);
 
     std::vector<NamedSpace> mNamedSpaces;
     bool mDefaultColourSet = false;

@@ -1,57 +1,333 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <array>
+#include <string_view>
+
 #include "baseconnectionspacedelegate/baseconnectionspacedelegate.h"
+#include "baseconnectionspacedelegate/interleavedline.h"
+#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 
 namespace VANTIX::RENDERING {
 
 namespace {
 
+using GRAPHICS::IChannelData;
+using GRAPHICS::IChannelDesc;
+using GRAPHICS::IRasterComponent;
+
 constexpr const char* kModule = "src/baseconnectionspacedelegate";
+
+constexpr std::int32_t kMostDepth = 16;
+
+void LogMissingLine(std::int32_t line, std::size_t /*channel*/) {
+    LogError(kModule) << "No data for line " << line;
+}
+
+void LogMissingPlane(std::int32_t line, std::size_t channel) {
+    LogError(kModule) << "Line " << line << " channel " << channel << " is missing.";
+}
+
+void LogMissingChannelLine(std::int32_t line, std::size_t channel) {
+    LogError(kModule) << "No data for line " << line << " of channel " << channel;
+}
+
+/// The channels whose samples make up the pixels of an image, in their order.
+struct Channels {
+    std::array<IChannelData*, InterleavedLine::kMostPlanes> data{};  ///< null: none of its own
+    std::size_t count = 0;
+    std::size_t complemented = 0;  ///< so many of them, from the first
+    std::uint8_t blank = 0;        ///< bytes of the channels without data
+    void (*logMissing)(std::int32_t line, std::size_t channel) = LogMissingChannelLine;
+
+    /// Adds the channel; false (logged) when it has no data. `kind` is "primary" or "extra".
+    bool Add(const IChannelDesc* channel, std::int32_t index, const char* kind) {
+        if (channel == nullptr) {
+            LogError(kModule) << "Raster's " << index << " " << kind
+                              << " channel description is nil.";
+            return false;
+        }
+        if (channel->GetData() == nullptr || count == data.size()) {
+            LogError(kModule) << (*kind == 'p' ? "Primary" : "Extra") << " channel description "
+                              << index << " missing attached channel data.";
+            return false;
+        }
+        data[count++] = channel->GetData();
+        return true;
+    }
+
+    /// The planes of line `y`; false (logged) when one is missing.
+    bool GetLine(std::int32_t y, const std::uint8_t* blankLine, InterleavedLine::Planes& planes) {
+        for (std::size_t k = 0; k < count; ++k) {
+            planes[k] = data[k] == nullptr ? blankLine : data[k]->GetLine(y);
+            if (planes[k] == nullptr) {
+                logMissing(y, k);
+                return false;
+            }
+        }
+        return true;
+    }
+};
+
+/// Takes the data of the primaries that the raster's mask marks absent away. Without them RGB is
+/// dark and CMYK, whose samples are complements, without ink.
+void DropAbsentPrimaries(const IRasterComponent& raster, std::size_t primaries,
+                         Channels& channels) {
+    channels.blank = primaries == 4 ? 0xFF : 0;
+    std::uint64_t mask = 0;
+    if (!raster.GetChannelMask(mask)) {
+        return;
+    }
+    for (std::size_t i = 0; i < primaries; ++i) {
+        if ((mask >> i & 1U) == 0) {
+            channels.data[i] = nullptr;
+        }
+    }
+}
+
+/// All primaries and all spot channels.
+bool GatherChannels(const IRasterComponent& raster, Channels& channels) {
+    const std::int32_t primaries = raster.GetPrimaryCount();
+    for (std::int32_t i = 0; i < primaries; ++i) {
+        if (!channels.Add(raster.GetPrimary(i), i, "primary")) {
+            return false;
+        }
+    }
+    channels.complemented = primaries == 4 ? 4 : 0;
+    DropAbsentPrimaries(raster, channels.count, channels);
+    for (std::int32_t i = 0; i < raster.GetExtraCount(); ++i) {
+        const IChannelDesc* channel = raster.GetExtra(i);
+        const bool isOther = channel != nullptr && channel->GetType() != "SPOT"_cc;
+        if (!isOther && !channels.Add(channel, i, "extra")) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The first primaries of a raster that has no other channels of interest.
+bool GatherPrimaries(const IRasterComponent& raster, std::int32_t count, Channels& channels) {
+    channels.count = static_cast<std::size_t>(count);
+    for (std::int32_t i = 0; i < std::min(count, raster.GetPrimaryCount()); ++i) {
+        const IChannelDesc* channel = raster.GetPrimary(i);
+        channels.data[static_cast<std::size_t>(i)] =
+            channel == nullptr ? nullptr : channel->GetData();
+    }
+    channels.logMissing = count == 1 ? LogMissingLine : LogMissingPlane;
+    DropAbsentPrimaries(raster, channels.count, channels);
+    return std::any_of(channels.data.begin(), channels.data.end(),
+                       [](const IChannelData* each) { return each != nullptr; });
+}
+
+void LogNoMemory(std::size_t channels, std::int32_t depth, std::size_t bytes) {
+    if (channels == 4) {
+        LogError(kModule) << "Could not create a buffer for the "
+                          << (depth == 16 ? "12 bit" : "destination") << " CMYK values. " << bytes
+                          << " bytes required.";
+        return;
+    }
+    const char* key = depth == 16 ? "kCalibratedRGBKey" : "kColorSpaceSignatureRGB";
+    LogError(kModule) << "Could not make a packed line for "
+                      << (channels == 1 ? "kCalibratedGrayKey" : key) << " output.";
+}
+
+/// Writes the lines of one channel as they are stored.
+void WriteStoredLines(Channels& channels, std::int32_t height, std::size_t lineBytes,
+                      const std::uint8_t* blank, PS::IPostScriptOutputContext& out) {
+    InterleavedLine::Planes planes{};
+    for (std::int32_t y = 0; y < height && channels.GetLine(y, blank, planes); ++y) {
+        out.WriteStreamData(planes[0], static_cast<std::int32_t>(lineBytes));
+    }
+}
+
+void WriteLines(Channels& channels, std::int32_t height, InterleavedLine& line,
+                const std::uint8_t* blank, PS::IPostScriptOutputContext& out) {
+    InterleavedLine::Planes planes{};
+    for (std::int32_t y = 0; y < height && channels.GetLine(y, blank, planes); ++y) {
+        out.WriteStreamData(line.Build(planes, channels.complemented),
+                            static_cast<std::int32_t>(line.Size()));
+    }
+}
+
+/// Writes the pixels that the channels make up, and ends the data.
+void WritePixels(Channels& channels, std::int32_t width, std::int32_t height, std::int32_t depth,
+                 GRAPHICS::ISwizzleServices* swizzle, PS::IPostScriptOutputContext& out) {
+    if (depth > kMostDepth || (depth < 8 && channels.count > 1)) {
+        LogError(kModule) << "Don't support a bit depth of " << depth;
+        return;
+    }
+    const std::size_t lineBytes =
+        (static_cast<std::size_t>(width) * static_cast<std::size_t>(depth) + 7) / 8;
+    PS::WorkBuffer<std::uint8_t> blank(lineBytes);
+    if (blank.Data() == nullptr) {
+        LogNoMemory(channels.count, depth, lineBytes);
+        return;
+    }
+    std::fill_n(blank.Data(), lineBytes, channels.blank);
+    if (channels.count == 1 && depth != 16 && channels.complemented == 0) {
+        WriteStoredLines(channels, height, lineBytes, blank.Data(), out);
+    } else {
+        InterleavedLine line(channels.count, width, depth, swizzle);
+        if (!line.HasMemory()) {
+            LogNoMemory(channels.count, depth, line.Size());
+            return;
+        }
+        WriteLines(channels, height, line, blank.Data(), out);
+    }
+    out.FlushStreamData();
+}
 
 }  // namespace
 
-void BaseConnectionSpaceDelegate::InjectRaster(GRAPHICS::IRasterComponent& /*raster*/, float /*x*/,
+void BaseConnectionSpaceDelegate::Image(IRasterComponent& raster, float x, float y, float width,
+                                        float height) {
+    SpotChannels spots = FindSpotChannels(raster);
+    TInterfacePtr<IRasterComponent> flattened;
+    if (mConvertSpotsToProcess && !spots.empty()) {
+        if (CompositeSpotsToNewRasterInDelegateColorSpace(raster, spots, flattened) ==
+            STATUS::kOk) {
+            spots.clear();
+        } else {
+            LogError(kModule) << "There was a problem flattening separation space(s) to the "
+                                 "raster. Continuing without separation channels.";
+        }
+    }
+    IRasterComponent& drawn = flattened ? *flattened : raster;
+    if (mJawsWorkaround) {
+        if (OutputContext() == nullptr) {
+            return;
+        }
+        WriteSoftMaskCompositeAlpha(drawn,
+                                    mGraphicsState == nullptr ? 1 : mGraphicsState->GetAlpha(true));
+    }
+    COLOR::IConnectionColorSpace* space = drawn.GetColorSpace();
+    const auto* device =
+        FindInterface<COLOR::IDeviceConnectionColorSpace>(space, COLOR::IID_IDEVICECOLORSPACE);
+    if (auto* indexed = FindInterface<COLOR::IIndexedConnectionColorSpace>(
+            space, COLOR::IID_IINDEXEDCOLORSPACE)) {
+        InjectIndexedImage(drawn, x, y, width, height, indexed);
+    } else if (spots.empty() && device != nullptr) {
+        InjectDeviceSpaceImage(drawn, x, y, width, height, device->GetFamily());
+    } else {
+        InjectRaster(drawn, x, y, width, height);
+    }
+}
+
+BaseConnectionSpaceDelegate::SpotChannels BaseConnectionSpaceDelegate::FindSpotChannels(
+    const IRasterComponent& raster) {
+    SpotChannels spots;
+    for (std::int32_t i = 0; i < raster.GetExtraCount(); ++i) {
+        const IChannelDesc* channel = raster.GetExtra(i);
+        if (channel != nullptr && channel->GetType() == "SPOT"_cc) {
+            spots.push_back(channel);
+        }
+    }
+    return spots;
+}
+
+bool BaseConnectionSpaceDelegate::HasMaskChannel(const IRasterComponent& raster) {
+    const IChannelDesc* channel = raster.GetExtraCount() > 0 ? raster.GetExtra(0) : nullptr;
+    const IChannelData* data =
+        channel != nullptr && channel->GetType() == "LPHA"_cc ? channel->GetData() : nullptr;
+    return data != nullptr && !data->IsFullyOpaque();
+}
+
+void BaseConnectionSpaceDelegate::WriteImageData(IRasterComponent& raster, std::int32_t channels,
+                                                 std::int32_t depth, std::int32_t width) {
+    PS::IPostScriptOutputContext* out = OutputContext();
+    if (out == nullptr || (channels != 1 && channels != 3 && channels != 4)) {
+        return;
+    }
+    Channels gathered;
+    if (!GatherPrimaries(raster, channels, gathered)) {
+        LogError(kModule) << "No Primary channel data.";
+        return;
+    }
+    WritePixels(gathered, width, raster.GetHeight(), depth, mSwizzle.Get(), *out);
+}
+
+void BaseConnectionSpaceDelegate::WriteImageData(IRasterComponent& raster) {
+    PS::IPostScriptOutputContext* out = OutputContext();
+    Channels gathered;
+    if (out == nullptr || !GatherChannels(raster, gathered) || gathered.count == 0) {
+        return;
+    }
+    WritePixels(gathered, raster.GetWidth(), raster.GetHeight(), raster.GetBitsPerSample(),
+                mSwizzle.Get(), *out);
+}
+
+void BaseConnectionSpaceDelegate::WriteInkImageData(IRasterComponent& raster) {
+    PS::IPostScriptOutputContext* out = OutputContext();
+    Channels gathered;
+    if (out == nullptr || !GatherChannels(raster, gathered)) {
+        return;
+    }
+    auto* const last = gathered.data.begin() + gathered.count;
+    auto* const end = std::remove(gathered.data.begin(), last, nullptr);
+    gathered.complemented =
+        static_cast<std::size_t>(raster.GetPrimaryCount()) - static_cast<std::size_t>(last - end);
+    gathered.count = static_cast<std::size_t>(end - gathered.data.begin());
+    WritePixels(gathered, raster.GetWidth(), raster.GetHeight(), raster.GetBitsPerSample(),
+                mSwizzle.Get(), *out);
+}
+
+Status BaseConnectionSpaceDelegate::InjectGreyscaleImageInAlternateColorSpace(
+    IRasterComponent& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
+    std::int32_t /*depth*/) {
+    constexpr Status kNotDone = 72;
+    LogError(kModule) << "Unimplemented";
+    return kNotDone;
+}
+
+void BaseConnectionSpaceDelegate::InjectRGBImage(IRasterComponent& raster, float /*x*/, float /*y*/,
+                                                 float /*width*/, float /*height*/) {
+    PS::IPostScriptOutputContext* out = OutputContext();
+    if (out == nullptr) {
+        return;
+    }
+    constexpr std::string_view kSpace = "/DeviceRGB";
+    const std::int32_t depth = raster.GetBitsPerSample();
+    out->WriteImageDictionary(raster.GetWidth(), raster.GetHeight(), depth == 16 ? 12 : depth,
+                              kSpace.data(), static_cast<std::int32_t>(kSpace.size()),
+                              "[0 1 0 1 0 1]", false);
+    WriteImageData(raster, 3, depth, raster.GetWidth());
+}
+
+void BaseConnectionSpaceDelegate::InjectRaster(IRasterComponent& /*raster*/, float /*x*/,
                                                float /*y*/, float /*width*/, float /*height*/) {
     LogError(kModule) << "Unimplemented.";
 }
 
-void BaseConnectionSpaceDelegate::InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& /*raster*/,
-                                                         float /*x*/, float /*y*/, float /*width*/,
+void BaseConnectionSpaceDelegate::InjectDeviceSpaceImage(IRasterComponent& /*raster*/, float /*x*/,
+                                                         float /*y*/, float /*width*/,
                                                          float /*height*/, FourCC /*deviceKey*/) {
     LogError(kModule) << "Unimplemented.";
 }
 
-void BaseConnectionSpaceDelegate::WriteGreyscaleImage(GRAPHICS::IRasterComponent& /*raster*/,
-                                                      float /*x*/, float /*y*/, float /*width*/,
+void BaseConnectionSpaceDelegate::WriteGreyscaleImage(IRasterComponent& /*raster*/, float /*x*/,
+                                                      float /*y*/, float /*width*/,
                                                       float /*height*/) {
     LogError(kModule) << "Unimplemented.";
 }
 
-void BaseConnectionSpaceDelegate::InjectRGBImage(GRAPHICS::IRasterComponent& /*raster*/,
-                                                 float /*x*/, float /*y*/, float /*width*/,
-                                                 float /*height*/) {
-    LogError(kModule) << "Unimplemented.";
-}
-
-void BaseConnectionSpaceDelegate::InjectCMYKImage(GRAPHICS::IRasterComponent& /*raster*/,
-                                                  float /*x*/, float /*y*/, float /*width*/,
-                                                  float /*height*/) {}
+void BaseConnectionSpaceDelegate::InjectCMYKImage(IRasterComponent& /*raster*/, float /*x*/,
+                                                  float /*y*/, float /*width*/, float /*height*/) {}
 
 void BaseConnectionSpaceDelegate::InjectCalibratedGreyscaleImage(
-    GRAPHICS::IRasterComponent& /*raster*/, float /*x*/, float /*y*/, float /*width*/,
-    float /*height*/, COLOR::ICalibratedConnectionColorSpace* /*space*/) {
+    IRasterComponent& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
+    COLOR::ICalibratedConnectionColorSpace* /*space*/) {
     LogError(kModule) << "Unimplemented.";
 }
 
 void BaseConnectionSpaceDelegate::InjectCalibratedRGBImage(
-    GRAPHICS::IRasterComponent& /*raster*/, float /*x*/, float /*y*/, float /*width*/,
-    float /*height*/, COLOR::ICalibratedConnectionColorSpace* /*space*/) {
+    IRasterComponent& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
+    COLOR::ICalibratedConnectionColorSpace* /*space*/) {
     LogError(kModule) << "Unimplemented.";
 }
 
 void BaseConnectionSpaceDelegate::InjectLabImage(
-    GRAPHICS::IRasterComponent& /*raster*/, float /*x*/, float /*y*/, float /*width*/,
-    float /*height*/, COLOR::ICalibratedConnectionColorSpace* /*space*/) {
+    IRasterComponent& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
+    COLOR::ICalibratedConnectionColorSpace* /*space*/) {
     LogError(kModule) << "Unimplemented.";
 }
 

@@ -135,6 +135,21 @@ protected:
     /// The filter stack of the current stream (borrowed), or null.
     [[nodiscard]] IO::IOutputFilterStack* CurrentFilters() const;
 
+    /// The filters that image data pass (borrowed), or null.
+    [[nodiscard]] virtual IO::IOutputFilterStack* DataFilters() const { return CurrentFilters(); }
+
+    /// The expression that reads image data back: "currentfile" and the decode filters of the
+    /// data.
+    [[nodiscard]] std::string ReadingExpression() const;
+    /// The names of the decode filters of image data, each followed by `separator`.
+    [[nodiscard]] std::string DecodeFilterNames(std::string_view separator) const;
+    /// The colour text of an image, empty for none.
+    static std::string_view ColourText(const char* colour, std::int32_t length);
+    /// Appends an image's dictionary and operator. `source` is the whole entry for its data.
+    static void AppendImageDictionary(TextBuffer& text, std::int32_t width, std::int32_t height,
+                                      std::int32_t bitsPerComponent, std::string_view colour,
+                                      const char* decode, bool imageMask, std::string_view source);
+
     /// Writes operator text to the current stream, past the filters.
     void WriteText(std::string_view text) const;
 

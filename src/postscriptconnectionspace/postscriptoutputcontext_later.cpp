@@ -1,21 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Image and shading dictionaries: nothing that is drawn so far reaches these operations, and a
+// Shading dictionaries: nothing that is drawn so far reaches these operations, and a
 // caller that does is told so.
 #include "core/libsupport/vlogger/logmessage.h"
 #include "postscriptconnectionspace/postscriptoutputcontext.h"
 
 namespace VANTIX::PS {
-
-// The dictionary of an image or image mask, ended by its operator.
-void PostScriptOutputContext::WriteImageDictionary(std::int32_t, std::int32_t, std::int32_t,
-                                                   const char*, std::int32_t, const char*, bool) {
-    LogError("src/postscriptconnectionspace") << "Unimplemented";
-}
-
-// Ties a soft-mask image to the image that it masks.
-void PostScriptOutputContext::AssociateSoftMaskImage(std::int32_t) {
-    LogError("src/postscriptconnectionspace") << "Unimplemented";
-}
 
 // Shading dictionaries of types 1 to 7 (PostScript Language Reference, 4.9.3).
 bool PostScriptOutputContext::WriteFunctionBasedShadingDictionary(

@@ -53,26 +53,26 @@ void PostScriptOutputContext::WriteText(std::string_view text) const {
 }
 
 void PostScriptOutputContext::PushOutputFilter(std::int32_t selector) {
-    if (IO::IOutputFilterStack* filters = CurrentFilters(); filters != nullptr) {
+    if (IO::IOutputFilterStack* filters = DataFilters(); filters != nullptr) {
         filters->PushFilter(selector);
     }
 }
 
 void PostScriptOutputContext::PopOutputFilter() {
-    if (IO::IOutputFilterStack* filters = CurrentFilters(); filters != nullptr) {
+    if (IO::IOutputFilterStack* filters = DataFilters(); filters != nullptr) {
         filters->PopFilter();
     }
 }
 
 void PostScriptOutputContext::WriteStreamData(const void* data, std::int32_t length) {
-    IO::IOutputFilterStack* filters = CurrentFilters();
+    IO::IOutputFilterStack* filters = DataFilters();
     if (filters != nullptr && data != nullptr && length > 0) {
         filters->WriteFilteredData(data, length);
     }
 }
 
 void PostScriptOutputContext::FlushStreamData() {
-    if (IO::IOutputFilterStack* filters = CurrentFilters(); filters != nullptr) {
+    if (IO::IOutputFilterStack* filters = DataFilters(); filters != nullptr) {
         filters->EndFilteredData();
     }
 }

@@ -1,0 +1,339 @@
+// SPDX-License-Identifier: MIT
+// Images of process colours with spot plates: DeviceN images whose tint transform prints all
+// colorants over one another.
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "asiscompositeconnectionspacedelegate/asiscompositeconnectionspacedelegate.h"
+#include "core/color/iconnectioncolorspacefactory.h"
+#include "core/graphics/pluginhelper/colorhelpers.h"
+#include "core/libsupport/vlogger/logmessage.h"
+#include "postscriptconnectionspace/textbuffer.h"
+#include "postscriptdatastream/workbuffer.h"
+
+namespace VANTIX::RENDERING {
+
+namespace {
+
+using COLOR::IConnectionColorSpace;
+using GRAPHICS::IChannelData;
+using GRAPHICS::IChannelDesc;
+using GRAPHICS::IRasterComponent;
+using GRAPHICS::HELPER::GetOwnFamily;
+
+constexpr const char* kModule = "src/asiscompositeconnectionspacedelegate";
+
+constexpr std::int32_t kSpaceTextBytes = 16384;
+
+constexpr const char* kProcessInks[] = {"Cyan", "Magenta", "Yellow", "Black"};
+constexpr const char* kProcessLights[] = {"Red", "Green", "Blue"};
+
+/// Prints a colorant over c m y k; its tint lies below them.
+constexpr const char* kOverInks =
+    "\n5 -1 roll dup 5 index 1.0 exch sub mul %.8g\nmul 6 -1 roll add exch "
+    "dup 5 index 1.0 exch sub mul %.8g\nmul 6 -1 roll add exch "
+    "dup 5 index 1.0 exch sub mul %.8g\nmul 6 -1 roll add exch "
+    "4 index 1.0 exch sub mul %.8g\nmul 5 -1 roll add\n";
+
+/// Takes what a colorant absorbs from r g b; its tint lies below them.
+constexpr const char* kOverLights =
+    "4 -1 roll\n"
+    "dup %.8g mul 5 -1 roll dup 1 exch sub 3 -2 roll mul add 1 exch sub exch\n"
+    "dup %.8g mul 5 -1 roll dup 1 exch sub 3 -2 roll mul add 1 exch sub exch\n"
+    "%.8g mul 4 -1 roll dup 1 exch sub 3 -2 roll mul add 1 exch sub\n";
+
+/// Pixels of a palette's colours followed by spot samples.
+class ExpandedLine {
+public:
+    /// False (logged) for a raster that lacks something.
+    bool Gather(IRasterComponent& raster) {
+        auto* indexed = FindInterface<COLOR::IIndexedConnectionColorSpace>(
+            raster.GetColorSpace(), COLOR::IID_IINDEXEDCOLORSPACE);
+        for (std::int32_t i = 0; i < raster.GetPrimaryCount(); ++i) {
+            if (!Add(raster.GetPrimary(i), i, "primary")) {
+                return false;
+            }
+        }
+        for (std::int32_t i = 0; i < raster.GetExtraCount(); ++i) {
+            const IChannelDesc* channel = raster.GetExtra(i);
+            const bool isOther = channel != nullptr && channel->GetType() != "SPOT"_cc;
+            if (!isOther && !Add(channel, i, "extra")) {
+                return false;
+            }
+        }
+        if (indexed == nullptr || indexed->GetLUT() == nullptr ||
+            indexed->GetBaseSpace() == nullptr || indexed->GetEntryCount() <= 0) {
+            LogError(kModule) << "indexedCSpace->GetLUT() returned NULL.";
+            return false;
+        }
+        std::uint64_t mask = 0;
+        mIsIndexAbsent = raster.GetChannelMask(mask) && (mask & 1U) == 0;
+        mPalette = indexed->GetLUT();
+        mLast = static_cast<std::size_t>(indexed->GetEntryCount()) - 1;
+        mComponents = static_cast<std::size_t>(indexed->GetBaseSpace()->GetComponentCount());
+        return !mData.empty();
+    }
+
+    /// The index channel makes `mComponents` bytes.
+    [[nodiscard]] std::size_t PixelBytes() const { return mComponents + mData.size() - 1; }
+
+    /// False (logged) when a channel has no line `y`.
+    bool Build(std::int32_t y, std::size_t width, std::uint8_t* out) {
+        const std::size_t stride = PixelBytes();
+        for (std::size_t k = 0; k < mData.size(); ++k) {
+            const std::uint8_t* line = mData[k]->GetLine(y);
+            if (line == nullptr) {
+                LogError(kModule) << "No data for line " << y << " of channel " << k;
+                return false;
+            }
+            if (k == 0) {
+                ExpandIndices(line, width, out);
+                continue;
+            }
+            for (std::size_t x = 0; x < width; ++x) {
+                out[x * stride + mComponents + k - 1] = line[x];
+            }
+        }
+        return true;
+    }
+
+private:
+    bool Add(const IChannelDesc* channel, std::int32_t index, const char* kind) {
+        if (channel == nullptr) {
+            LogError(kModule) << "Raster's " << index << " " << kind
+                              << " channel description is nil.";
+            return false;
+        }
+        if (channel->GetData() == nullptr) {
+            LogError(kModule) << (*kind == 'p' ? "Primary" : "Extra") << " channel description "
+                              << index << " missing attached channel data.";
+            return false;
+        }
+        mData.push_back(channel->GetData());
+        return true;
+    }
+
+    // The colorants' samples are ink amounts or absorbed light; palettes hold the complements.
+    void ExpandIndices(const std::uint8_t* line, std::size_t width, std::uint8_t* out) const {
+        const std::size_t stride = PixelBytes();
+        for (std::size_t x = 0; x < width; ++x, out += stride) {
+            const std::uint8_t* entry =
+                mPalette + std::min<std::size_t>(line[x], mLast) * mComponents;
+            for (std::size_t i = 0; i < mComponents; ++i) {
+                out[i] = mIsIndexAbsent ? std::uint8_t{0} : static_cast<std::uint8_t>(~entry[i]);
+            }
+        }
+    }
+
+    std::vector<IChannelData*> mData;
+    const std::uint8_t* mPalette = nullptr;
+    std::size_t mLast = 0;
+    std::size_t mComponents = 0;
+    bool mIsIndexAbsent = false;
+};
+
+}  // namespace
+
+struct AsIsCompositeConnectionSpaceDelegate::Colorants {
+    PS::TextBuffer names{1024};
+    std::string decode = "[";
+    /// What full tint leaves on paper: ink amounts, or light absorbed.
+    std::vector<std::array<float, 4>> amounts{};
+
+    Colorants() { names.Append("["); }
+
+    void Add(std::string_view name, const char* range, const std::array<float, 4>& amount) {
+        names.AppendString(name);
+        decode += range;
+        amounts.push_back(amount);
+    }
+
+    /// The process colorants of the raster; all of them for an Indexed one.
+    void AddProcess(const IRasterComponent& raster, const char* const* processNames,
+                    std::size_t count) {
+        std::uint64_t mask = 0;
+        const bool isIndexed = FindInterface<IObject>(raster.GetColorSpace(),
+                                                      COLOR::IID_IINDEXEDCOLORSPACE) != nullptr;
+        const bool hasMask = !isIndexed && raster.GetChannelMask(mask);
+        for (std::size_t i = 0; i < count; ++i) {
+            if (!hasMask || (mask >> i & 1U) != 0) {
+                std::array<float, 4> unit{};
+                unit[i] = 1;
+                Add(processNames[i], " 0 1", unit);
+            }
+        }
+    }
+
+    /// The procedure from all tints to `outputs` components. Each snippet takes the topmost tint,
+    /// so the last colorant's comes first.
+    [[nodiscard]] PS::TextBuffer Program(std::size_t outputs) const {
+        PS::TextBuffer text;
+        text.Append(outputs == 4 ? "0.0 0.0 0.0 0.0 " : "1 1 1\n");
+        for (auto amount = amounts.rbegin(); amount != amounts.rend(); ++amount) {
+            const auto& [a, b, c, d] = *amount;
+            if (outputs == 4) {
+                text.Format(kOverInks, a, b, c, d);
+            } else {
+                text.Format(kOverLights, a, b, c);
+            }
+        }
+        return text;
+    }
+};
+
+void AsIsCompositeConnectionSpaceDelegate::AddSpots(const SpotChannels& spots,
+                                                    IConnectionColorSpace& target,
+                                                    Colorants& colorants) const {
+    for (const IChannelDesc* channel : spots) {
+        const auto* separation = channel->GetSeparationSpace();
+        const CoreString* name = separation == nullptr ? nullptr : separation->GetColorantName();
+        const auto text = name == nullptr ? std::nullopt : name->GetUTF8String();
+        const float fullTint = 1;
+        float pcs[3];
+        std::array<float, 4> amount{1, 1, 1, 1};
+        const auto intents = RenderingIntents(COLOR::TRenderingIntent::kPerceptual);
+        const bool isNamed = text && !text->empty();
+        if (isNamed && separation->ToPCS(&fullTint, pcs, intents.first)) {
+            target.FromPCS(pcs, amount.data(), intents.second);
+        }
+        std::transform(amount.begin(), amount.end(), amount.begin(),
+                       [](float value) { return 1 - value; });
+        // The samples of a spot without a name are written all the same: they mark nothing.
+        colorants.Add(isNamed ? *text : "None", " 1 0", amount);
+    }
+}
+
+void AsIsCompositeConnectionSpaceDelegate::WriteColorantImage(IRasterComponent& raster,
+                                                              const Colorants& colorants,
+                                                              IConnectionColorSpace& alternate) {
+    PS::IPostScriptOutputContext* out = OutputContext();
+    const auto functions =
+        CreateObject<COLOR::IColorFunctionFactory>(mFactory, COLOR::CLSID_COLORFUNCTIONFACTORY);
+    if (!functions) {
+        LogError(kModule) << "Could not create colour function factory.";
+        return;
+    }
+    PS::WorkBuffer<char> space(kSpaceTextBytes);
+    if (out == nullptr || space.Data() == nullptr) {
+        LogError(kModule) << "Insufficient mem to create buffer of " << kSpaceTextBytes
+                          << " bytes.";
+        return;
+    }
+    const std::size_t outputs = GetOwnFamily(&alternate) == "cmyk"_cc ? 4 : 3;
+    const std::size_t inputs = colorants.amounts.size();
+    std::vector<float> units;
+    for (std::size_t i = 0; i < std::max(inputs, outputs); ++i) {
+        units.insert(units.end(), {0, 1});
+    }
+    const std::string program(colorants.Program(outputs).View());
+    const auto tint =
+        TInterfacePtr<COLOR::IColorFunction>::Adopt(functions->CreateCalculatorFunction(
+            program.c_str(), units.data(), static_cast<std::int32_t>(inputs), units.data(),
+            static_cast<std::int32_t>(outputs)));
+    const std::int32_t length =
+        tint ? out->WriteAlternativeColorSpaceAndTintTransformProcToBuffer(
+                   &alternate, tint.Get(), space.Data(), kSpaceTextBytes, mEmbedProfiles)
+             : 0;
+    if (length <= 0) {
+        return;
+    }
+    std::string colour = "[/DeviceN ";
+    colour.append(colorants.names.View()).append("] ");
+    colour.append(space.Data(), static_cast<std::size_t>(length)).append("] \n");
+    const std::int32_t depth = raster.GetBitsPerSample();
+    const std::string decode = colorants.decode + "] ";
+    out->WriteImageDictionary(raster.GetWidth(), raster.GetHeight(), depth > 9 ? 12 : depth,
+                              colour.data(), static_cast<std::int32_t>(colour.size()),
+                              decode.c_str(), false);
+    if (FindInterface<IObject>(raster.GetColorSpace(), COLOR::IID_IINDEXEDCOLORSPACE) != nullptr) {
+        WriteExpandedIndexedImageData(raster);
+    } else {
+        WriteInkImageData(raster);
+    }
+}
+
+void AsIsCompositeConnectionSpaceDelegate::InjectCMYKPlusSpotRaster(
+    IRasterComponent& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
+    const SpotChannels& spots, IConnectionColorSpace* space) {
+    const auto* indexed = FindInterface<COLOR::IIndexedConnectionColorSpace>(
+        raster.GetColorSpace(), COLOR::IID_IINDEXEDCOLORSPACE);
+    Colorants colorants;
+    if (indexed != nullptr && GetOwnFamily(indexed->GetBaseSpace()) == "gray"_cc) {
+        colorants.Add("Black", " 0 1", {0, 0, 0, 1});
+    } else {
+        colorants.AddProcess(raster, kProcessInks, std::size(kProcessInks));
+    }
+    AddSpots(spots, *space, colorants);
+    WriteColorantImage(raster, colorants, *space);
+}
+
+void AsIsCompositeConnectionSpaceDelegate::InjectRGBPlusSpotRaster(
+    IRasterComponent& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
+    const SpotChannels& spots, IConnectionColorSpace* space) {
+    Colorants colorants;
+    colorants.AddProcess(raster, kProcessLights, std::size(kProcessLights));
+    AddSpots(spots, *space, colorants);
+    WriteColorantImage(raster, colorants, *space);
+}
+
+void AsIsCompositeConnectionSpaceDelegate::InjectIndexedPlusSpotRaster(IRasterComponent& raster,
+                                                                       float x, float y,
+                                                                       float width, float height,
+                                                                       const SpotChannels& spots) {
+    LogError(kModule) << "Incomplete handling.";
+    const auto* indexed = FindInterface<COLOR::IIndexedConnectionColorSpace>(
+        raster.GetColorSpace(), COLOR::IID_IINDEXEDCOLORSPACE);
+    const FourCC family = indexed == nullptr ? 0 : GetOwnFamily(indexed->GetBaseSpace());
+    const auto colors = CreateObject<COLOR::IConnectionColorSpaceFactory>(
+        mFactory, COLOR::IID_ICONNECTIONCOLORSPACEFACTORY);
+    if (!colors) {
+        LogError(kModule) << "Could not create a colour space factory.";
+        return;
+    }
+    // A profile of the palette's base would do as well, but only device spaces are alternates here.
+    if (family == "cmyk"_cc || family == "gray"_cc) {
+        const auto cmyk =
+            TInterfacePtr<IConnectionColorSpace>::Adopt(colors->CreateDeviceCMYKColorSpace());
+        InjectCMYKPlusSpotRaster(raster, x, y, width, height, spots, cmyk.Get());
+    } else if (family == "rgb "_cc) {
+        const auto rgb =
+            TInterfacePtr<IConnectionColorSpace>::Adopt(colors->CreateDeviceRGBColorSpace());
+        InjectRGBPlusSpotRaster(raster, x, y, width, height, spots, rgb.Get());
+    } else {
+        LogError(kModule) << "Do not handle this device color type.";
+    }
+}
+
+void AsIsCompositeConnectionSpaceDelegate::WriteExpandedIndexedImageData(IRasterComponent& raster) {
+    PS::IPostScriptOutputContext* out = OutputContext();
+    if (out == nullptr) {
+        return;
+    }
+    const std::int32_t depth = raster.GetBitsPerSample();
+    if (depth != 8) {
+        LogError(kModule) << (depth > 16 ? "Don't support a bit depth of "
+                                         : "Indexed image with depth ")
+                          << depth << (depth > 16 ? "" : " not handled.");
+        return;
+    }
+    ExpandedLine line;
+    if (!line.Gather(raster)) {
+        return;
+    }
+    const std::size_t bytes = line.PixelBytes() * static_cast<std::size_t>(raster.GetWidth());
+    PS::WorkBuffer<std::uint8_t> buffer(bytes + 16);
+    if (buffer.Data() == nullptr) {
+        LogError(kModule) << "Insufficient mem to create buffer of " << bytes << " bytes.";
+        return;
+    }
+    for (std::int32_t y = 0; y < raster.GetHeight(); ++y) {
+        if (!line.Build(y, static_cast<std::size_t>(raster.GetWidth()), buffer.Data())) {
+            break;
+        }
+        out->WriteStreamData(buffer.Data(), static_cast<std::int32_t>(bytes));
+    }
+    out->FlushStreamData();
+}
+
+}  // namespace VANTIX::RENDERING

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <utility>
+
+#include "core/color/ispotcolorspaces.h"
+#include "core/types.h"
+
+namespace VANTIX::RENDERING {
+
+using IntentPair = std::pair<COLOR::TRenderingIntent, COLOR::TRenderingIntent>;
+
+/// Components of the device family "gray", "rgb " or "cmyk"; 0 for another one.
+std::int32_t ComponentsOfFamily(FourCC family);
+
+/// Components of the entries of a palette over `base`; 0 (logged) for a space that has no palettes.
+std::int32_t PaletteComponents(COLOR::IConnectionColorSpace& base);
+
+/// Converts `count` entries of `base` (`from` components each) into `target` (`to` components),
+/// bytes in host form on both sides. False when the host cannot.
+bool ConvertPalette(COLOR::IConnectionColorSpace& base, std::int32_t from,
+                    const std::uint8_t* entries, std::int32_t count,
+                    const COLOR::IConnectionColorSpace& target, std::int32_t to,
+                    std::uint8_t* converted, const IntentPair& intents);
+
+/// Moves the ink of entries of complemented c, m, y, k into black alone, by their luminance.
+void PromoteToBlack(std::uint8_t* entries, std::int32_t count);
+
+}  // namespace VANTIX::RENDERING
