@@ -7,7 +7,11 @@
 #include "core/registry/irunenvironment.h"
 #include "host/color/functionfactory.h"
 #include "host/graphics/baseconnectionspace.h"
+#include "host/graphics/channeldata.h"
+#include "host/graphics/channeldesc.h"
 #include "host/graphics/graphicsstatestack.h"
+#include "host/graphics/rastercomponent.h"
+#include "host/graphics/swizzleservices.h"
 #include "host/io/memoryprovider.h"
 #include "host/io/outputfilterstack.h"
 #include "host/io/packetproviderfactory.h"
@@ -36,6 +40,10 @@ struct Host::Parts {
         Offer<Dictionary>(IO::IID_IDICTIONARY);
         Offer<KeyedProperties>(IO::CLSID_KEYEDPROPERTIES);
         Offer<GraphicsStateStack>(GRAPHICS::CLSID_MUTABLEGRAPHICSSTATESTACK);
+        Offer<RasterComponent>(GRAPHICS::CLSID_RASTERCOMPONENT);
+        Offer<ChannelData>(GRAPHICS::CLSID_CHANNELDATA);
+        Offer<ChannelDesc>(GRAPHICS::CLSID_CHANNELDESC);
+        Offer<SwizzleServices>(GRAPHICS::CLSID_SWIZZLESERVICES);
         Offer<FunctionFactory>(COLOR::CLSID_COLORFUNCTIONFACTORY);
         factory->EnterShared(COLOR::IID_ICONNECTIONCOLORSPACEFACTORY, colorSpaces);
         // The factory's own gray, since profiles may be set behind the device spaces at any time.

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
 
+#include "core/io/idataprovider.h"
 #include "host/color/functionbase.h"
 #include "host/color/spaces.h"
 
@@ -64,11 +66,16 @@ public:
     bool StoresComponentsInverted() const override { return mFamily == "cmyk"_cc; }
 
     Status WritePostScriptArray(TRenderingIntent intent, IO::IDataProvider& out) const override {
+        static constexpr std::string_view kName = "/DeviceCMYK ";
         return mProfileForm ? mProfileForm->WritePostScriptArray(intent, out)
-                            : STATUS::kNotSupported;
+                            : out.Write(kName.data(), kName.size());
     }
 
-    COLOR::IConnectionColorSpace* GetProfileForm() override { return mProfileForm.Get(); }
+    /// Without a profile the space stands for itself, so that what has to be written with one is
+    /// not lost.
+    COLOR::IConnectionColorSpace* GetProfileForm() override {
+        return mProfileForm ? mProfileForm.Get() : this;
+    }
 
 private:
     bool Convert(const float* values, float pcs[3], TRenderingIntent intent) const {

@@ -48,7 +48,7 @@ struct SampledTable {
     std::vector<std::uint8_t> samples{};
 };
 
-NORVANE_HOST_API FunctionPtr MakeSampledFunction(FunctionShape shape, SampledTable table,
+NORVANE_HOST_API FunctionPtr MakeSampledFunction(const FunctionShape& shape, SampledTable table,
                                                  std::string& error);
 
 /// `program` with or without outer braces; parsed once, run in a bounded stack machine.

@@ -183,7 +183,8 @@ bool HasEnoughSamples(const SampledTable& table, std::size_t outputs) {
 
 }  // namespace
 
-FunctionPtr MakeSampledFunction(FunctionShape shape, SampledTable table, std::string& error) {
+FunctionPtr MakeSampledFunction(const FunctionShape& shape, SampledTable table,
+                                std::string& error) {
     if (!CheckShape(shape, true, error)) {
         return nullptr;
     }

@@ -13,6 +13,7 @@
 #include "host/color/colorspacefactory.h"
 #include "host/color/conversion.h"
 #include "host/color/identifiers.h"
+#include "host/color/lines.h"
 
 namespace VANTIX::HOST {
 
@@ -53,6 +54,17 @@ public:
     }
 
     COLOR::IConnectionColorSpace* GetProfileForm() override { return nullptr; }
+
+    Status LineToPCS(const std::uint8_t* const* planes, std::int32_t width, std::int32_t bits,
+                     float* pcs, COLOR::TRenderingIntent intent) const override {
+        return PixelsToPCS(*this, planes, width, bits, pcs, intent);
+    }
+
+    Status LineFromPCS(const float* pcs, const std::uint8_t* alpha, std::int32_t width,
+                       std::int32_t bits, std::uint8_t* const* planes,
+                       COLOR::TRenderingIntent intent) const override {
+        return PixelsFromPCS(*this, pcs, alpha, width, bits, planes, intent);
+    }
 
 protected:
     SpaceBase(const GUID& kind, std::int32_t components, const GUID& identifier)

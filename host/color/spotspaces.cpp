@@ -81,6 +81,23 @@ public:
 
     const CoreString* GetColorantName() const override { return &mName; }
 
+    Status FillSpotTables(const IConnectionColorSpace& target, float* colours, float* coverage,
+                          std::int32_t size, TRenderingIntent sourceIntent,
+                          TRenderingIntent destinationIntent, float opacity) const override {
+        const float last = static_cast<float>(std::max(size - 1, 1));
+        for (std::int32_t i = 0; i < size; ++i) {
+            const float tint = static_cast<float>(i) / last;
+            float pcs[3];
+            if (!ToPCS(&tint, pcs, sourceIntent) ||
+                !target.FromPCS(pcs, colours, destinationIntent)) {
+                return STATUS::kNotSupported;
+            }
+            colours += target.GetComponentCount();
+            coverage[i] = tint * opacity;
+        }
+        return STATUS::kOk;
+    }
+
 private:
     CoreString mName;
 };
