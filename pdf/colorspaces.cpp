@@ -265,6 +265,13 @@ void ColorSpaces::Use(const Entry& entry) {
     }
 }
 
+void ColorSpaces::UseForImage(const Entry& entry) {
+    Use(entry);
+    if (entry.alternate != nullptr && !(entry.kind == Entry::Kind::kSpace)) {
+        UseForImage(*entry.alternate);
+    }
+}
+
 void ColorSpaces::Select(const Entry& entry, HOST::CurrentColor& color) {
     Use(entry);
     switch (entry.kind) {

@@ -80,6 +80,16 @@ public:
     /// spaces.
     DefaultSpaces DefaultsOf(const QPDFObjectHandle& colorSpaces);
 
+    /// The space of an ICC profile that stands in image data, or null when it is of no use.
+    const ColorSpaceEntry* OfProfile(const std::string& profile, std::int32_t components);
+
+    /// A palette space of the host: `table` in host form. Null when it cannot be.
+    HOST::ColorSpacePtr PaletteSpace(const HOST::ColorSpacePtr& base,
+                                     std::vector<std::uint8_t> table);
+
+    /// Notes that an image uses `entry`, with all that drawing in it needs.
+    void UseForImage(const ColorSpaceEntry& entry);
+
     /// Makes `entry` the space of `color`, with its initial colour. A pattern space leaves it.
     void Select(const ColorSpaceEntry& entry, HOST::CurrentColor& color);
 
@@ -107,6 +117,8 @@ private:
     const Entry& MakeCalRGB(const Request& request);
     const Entry& MakeLab(const Request& request);
     const Entry& MakeICCBased(const Request& request);
+    const Entry* MakeProfileSpace(const std::string& profile, std::int32_t components,
+                                  std::string& error);
     const Entry& MakeProfileAlternate(const Request& request, std::int32_t components,
                                       const std::string& reason);
     const Entry& MakeIndexed(const Request& request);

@@ -113,9 +113,15 @@ const ColorSpaceEntry& ColorSpaces::MakeICCBased(const Request& request) {
     if (read == StreamResult::kUnknownFilter || profile.empty()) {
         return MakeProfileAlternate(request, components, "its data cannot be read");
     }
+    std::string error = "the number of components is none of 1, 3 and 4";
+    const Entry* entry = MakeProfileSpace(profile, components, error);
+    return entry != nullptr ? *entry : MakeProfileAlternate(request, components, error);
+}
+
+const ColorSpaceEntry* ColorSpaces::MakeProfileSpace(const std::string& profile,
+                                                     std::int32_t components, std::string& error) {
     const bool needsDevice =
         mOptions.languageLevel < 3 && mOptions.embedProfiles && components != 1;
-    std::string error = "the number of components is none of 1, 3 and 4";
     Entry entry;
     entry.name = "ICCBased";
     entry.components = components;
@@ -125,18 +131,31 @@ const ColorSpaceEntry& ColorSpaces::MakeICCBased(const Request& request) {
         entry.space = mFactory.ProfileSpace({bytes, profile.size()}, components, error);
     }
     if (!entry.space) {
-        return MakeProfileAlternate(request, components, error);
+        return nullptr;
     }
     const bool isLab = IsLabProfile(entry.space);
     if (needsDevice && !isLab) {
-        return DeviceOf(components);
+        return &DeviceOf(components);
     }
     if (isLab) {
         entry.ranges[0] = {0.0F, 100.0F};
         entry.ranges[1] = entry.ranges[2] = {-128.0F, 127.0F};
     }
     entry.id = mNextId++;
-    return Add(std::move(entry));
+    return &Add(std::move(entry));
+}
+
+const ColorSpaceEntry* ColorSpaces::OfProfile(const std::string& profile, std::int32_t components) {
+    const std::string key = "profile " + profile;
+    const auto known = mByText.find(key);
+    if (known != mByText.end()) {
+        return known->second;
+    }
+    std::string error;
+    const bool fits = ComponentsOfProfile(profile) == components;
+    const Entry* entry = fits ? MakeProfileSpace(profile, components, error) : nullptr;
+    mByText.emplace(key, entry);
+    return entry;
 }
 
 const ColorSpaceEntry& ColorSpaces::MakeProfileAlternate(const Request& request,

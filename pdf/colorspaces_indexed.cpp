@@ -47,6 +47,13 @@ Palette ReplacePalette(const ColorSpaceEntry& base, const Palette& table) {
 
 }  // namespace
 
+HOST::ColorSpacePtr ColorSpaces::PaletteSpace(const HOST::ColorSpacePtr& base,
+                                              std::vector<std::uint8_t> table) {
+    std::string error;
+    const auto entries = static_cast<std::int32_t>(table.size()) / base->GetComponentCount();
+    return mFactory.IndexedSpace(base, entries, std::move(table), error);
+}
+
 const ColorSpaceEntry& ColorSpaces::MakeIndexed(const Request& request) {
     const Entry& base = ResolveNested(request.Item(1), request.defaults, request.depth + 1);
     const bool replaced = base.kind == Entry::Kind::kReplaced;

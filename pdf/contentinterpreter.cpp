@@ -48,30 +48,53 @@ void ContentInterpreter::RestoreTo(std::size_t depth) {
     }
 }
 
-void ContentInterpreter::Play(std::string_view content, Resources& resources) {
-    ContentParser parser(content);
-    const Frame outer = mFrame;
-    const std::size_t floor = mLevels.size();
-    mFrame = {&parser, &resources, floor, 0, 0, 0, 0};
-    mPath.Clear();
-    mPendingClip = PendingClip::kNone;
-    Run(parser);
-    RestoreTo(floor);
-    mPath.Clear();
-    mPendingClip = PendingClip::kNone;
-    mFrame = outer;
+ContentInterpreter::Player::Player(ContentInterpreter& interpreter, Resources& resources)
+    : mInterpreter(interpreter), mOuter(interpreter.mFrame) {
+    interpreter.mFrame = {nullptr, &resources, interpreter.mLevels.size(), 0, 0, 0, 0};
+    interpreter.mPath.Clear();
+    interpreter.mPendingClip = PendingClip::kNone;
 }
 
-void ContentInterpreter::Run(ContentParser& parser) {
+ContentInterpreter::Player::~Player() {
+    mInterpreter.RestoreTo(mInterpreter.mFrame.floor);
+    mInterpreter.mPath.Clear();
+    mInterpreter.mPendingClip = PendingClip::kNone;
+    mInterpreter.mFrame = mOuter;
+}
+
+void ContentInterpreter::Player::Add(std::string_view piece) {
+    mPending.append(piece);
+    if (mPending.size() >= mNextRun) {
+        Run(mPending, false);
+    }
+}
+
+void ContentInterpreter::Player::Finish(std::string_view content) {
+    if (mPending.empty()) {
+        Run(content, true);
+    } else {
+        mPending.append(content);
+        Run(mPending, true);
+    }
+}
+
+void ContentInterpreter::Player::Run(std::string_view content, bool isComplete) {
+    ContentParser parser(content, isComplete);
+    mInterpreter.mFrame.parser = &parser;
     for (bool more = true; more;) {
         try {
             while (parser.Next()) {
-                Execute(parser);
+                mInterpreter.Execute(parser);
             }
             more = false;
         } catch (const std::exception& failure) {
-            mContext.reporter.Warn("bad-operator", failure.what());
+            mInterpreter.mContext.reporter.Warn("bad-operator", failure.what());
         }
+    }
+    mInterpreter.mFrame.parser = nullptr;
+    if (!isComplete) {
+        mPending.erase(0, parser.Consumed());
+        mNextRun = kWindow + 2 * mPending.size();
     }
 }
 

@@ -4,8 +4,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
+#include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -14,6 +17,7 @@
 #include "pdf/colorspaces.h"
 #include "pdf/contentparser.h"
 #include "pdf/forms.h"
+#include "pdf/images.h"
 #include "pdf/optionalcontent.h"
 #include "pdf/path.h"
 #include "pdf/qpdfheaders.h"
@@ -28,15 +32,29 @@ struct PlayContext {
     ColorSpaces& colorSpaces;
     OptionalContent& optionalContent;
     FormCache& forms;
+    ImageDataReader& imageData;
     Reporter& reporter;
     /// Overrides the intents of the content.
     std::optional<COLOR::TRenderingIntent> intent;
+    /// The opacity of images goes on with them; else it is mixed with white paper.
+    bool keepsAlpha = false;
 };
 
 /// Plays the content of one page, of its forms and of its annotations into the connection space
 /// (PDF Reference, appendix A). Handlers of operators are spread over files by topic; the table in
 /// operators.h leads to them. Keeps its own levels of the graphics state in step with the host's.
 class ContentInterpreter {
+    /// What belongs to one stream of content.
+    struct Frame {
+        ContentParser* parser = nullptr;
+        Resources* resources = nullptr;
+        std::size_t floor = 1;          // levels that Q may not close
+        std::size_t ignoredSaves = 0;   // q beyond the limit
+        std::size_t markDepth = 0;      // open marked-content sequences
+        std::size_t hiddenDepth = 0;    // the one that hides content, or 0
+        std::size_t compatibility = 0;  // open BX
+    };
+
 public:
     /// Saves a level of the graphics state and goes back to it at its end, whatever has happened.
     class ScopedLevel {
@@ -57,10 +75,38 @@ public:
         bool mSaved;
     };
 
+    /// Plays one content that comes in pieces; levels that it leaves open are closed at the end.
+    class Player {
+    public:
+        Player(ContentInterpreter& interpreter, Resources& resources);
+        ~Player();
+        Player(const Player&) = delete;
+        Player& operator=(const Player&) = delete;
+        Player(Player&&) = delete;
+        Player& operator=(Player&&) = delete;
+
+        /// Plays what is complete with this piece of decoded content, and keeps the rest.
+        void Add(std::string_view piece);
+        /// Plays `content` behind what is kept; nothing follows it.
+        void Finish(std::string_view content = {});
+
+    private:
+        static constexpr std::size_t kWindow = std::size_t{64} << 10U;
+
+        void Run(std::string_view content, bool isComplete);
+
+        ContentInterpreter& mInterpreter;
+        Frame mOuter;
+        std::string mPending;
+        std::size_t mNextRun = kWindow;  // doubled while one operator does not end
+    };
+
     explicit ContentInterpreter(PlayContext& context);
 
     /// Plays decoded content; levels that it leaves open are closed.
-    void Play(std::string_view content, Resources& resources);
+    void Play(std::string_view content, Resources& resources) {
+        Player(*this, resources).Finish(content);
+    }
 
     /// Draws a form XObject under the current matrix in a level of its own. `resources` serve a
     /// form that has none.
@@ -102,18 +148,6 @@ private:
         LineState line;
     };
 
-    /// What belongs to one stream of content.
-    struct Frame {
-        ContentParser* parser = nullptr;
-        Resources* resources = nullptr;
-        std::size_t floor = 1;          // levels that Q may not close
-        std::size_t ignoredSaves = 0;   // q beyond the limit
-        std::size_t markDepth = 0;      // open marked-content sequences
-        std::size_t hiddenDepth = 0;    // the one that hides content, or 0
-        std::size_t compatibility = 0;  // open BX
-    };
-
-    void Run(ContentParser& parser);
     void Execute(ContentParser& parser);
     bool TakeNumbers(std::size_t count);
 
@@ -197,13 +231,39 @@ private:
 
     // contentinterpreter_xobject.cpp
     void XObject(Numbers);
-    void ImageData(Numbers);
     void BeginMark(Numbers);
     void BeginMarkWithProperties(Numbers);
     void EndMark(Numbers);
     void BeginCompatibility(Numbers);
     void EndCompatibility(Numbers);
     bool EnterGroup(const Form& form);
+
+    // contentinterpreter_image.cpp
+    /// An image that is drawn in bands, clipped by boxes in a grid of its own.
+    struct Banded {
+        HOST::RasterFormat format;
+        bool isDeviceN;
+        std::shared_ptr<SharedPlanes> shared;
+        std::int32_t columns;
+        std::int32_t rows;
+        const std::string& label;
+    };
+
+    void InlineImage(Numbers);
+    ImageContext ContextOfImages();
+    void PaintImage(const ImageObject& object);
+    void PaintStencil(Image& image);
+    void PaintColors(Image& image);
+    void PaintPixel(PlanarImage image, ImageMask mask, const std::string& label);
+    void PaintSoft(Image& source, ImageMask mask, bool isOpaque);
+    void PaintClipped(PlanarImage image, const ImageMask& mask, const std::string& label);
+    void PaintBand(const Banded& banded, const std::vector<PixelBox>& boxes);
+    void PaintBoxes(const Banded& banded, std::span<const PixelBox> boxes);
+    void PaintRaster(PlanarImage image, const std::string& label);
+    void DrawStencil(const HOST::ColorSpacePtr& space, std::vector<std::uint8_t> palette,
+                     PlaneSourcePtr bits, std::int32_t width, std::int32_t height,
+                     const std::string& label);
+    void DrawRaster(const HOST::RasterPtr& raster, const std::string& label);
 
     static constexpr std::size_t kMaxFormDepth = 28;
 

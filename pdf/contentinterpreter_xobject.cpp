@@ -1,66 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include <cmath>
 #include <exception>
-#include <limits>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "pdf/contentinterpreter.h"
+#include "pdf/imagedata.h"
 #include "pdf/objects.h"
 
 namespace VANTIX::PDF {
-
-namespace {
-
-/// What an inline image says about the size of its data.
-struct InlineImage {
-    double width = 0;
-    double height = 0;
-    double bits = 8;
-    double components = 0;
-    double length = 0;
-    bool isEncoded = false;
-
-    void Read(std::string_view key, const Operand& value) {
-        if (key == "W" || key == "Width") {
-            width = value.number;
-        } else if (key == "H" || key == "Height") {
-            height = value.number;
-        } else if (key == "BPC" || key == "BitsPerComponent") {
-            bits = value.number;
-        } else if (key == "L" || key == "Length") {
-            length = value.number;
-        } else if (key == "F" || key == "Filter") {
-            isEncoded = value.kind == OperandKind::kName || value.extent > 0;
-        } else if ((key == "IM" || key == "ImageMask") && value.text == "true") {
-            bits = components = 1;
-        } else if (key == "CS" || key == "ColorSpace") {
-            components = ComponentsOf(value);
-        }
-    }
-
-    /// 0 when only the data themselves can tell.
-    [[nodiscard]] std::size_t Size() const {
-        const double row = std::ceil(width * bits * components / 8.0);
-        const double size = length > 0 ? length : (isEncoded ? 0.0 : row * height);
-        const bool isSane = size >= 0 && size <= std::numeric_limits<std::int32_t>::max();
-        return isSane ? static_cast<std::size_t>(size) : 0;
-    }
-
-private:
-    static double ComponentsOf(const Operand& space) {
-        if (space.kind == OperandKind::kArray || space.text == "G" || space.text == "DeviceGray") {
-            return 1;  // an array can only be Indexed
-        }
-        if (space.text == "RGB" || space.text == "DeviceRGB") {
-            return 3;
-        }
-        return space.text == "CMYK" || space.text == "DeviceCMYK" ? 4 : 0;
-    }
-};
-
-}  // namespace
 
 void ContentInterpreter::XObject(Numbers) {
     const std::optional<std::string_view> name = LastName();
@@ -75,8 +23,8 @@ void ContentInterpreter::XObject(Numbers) {
         return;
     } else if (subtype == "Form") {
         DrawForm(object, *mFrame.resources);
-    } else if (subtype == "Image") {
-        mContext.reporter.Warn("image", "An image is left out");
+    } else if (subtype == "Image" && QPDFObjectHandle(object).isStream()) {
+        PaintImage(ImageObject::FromStream(object));
     }
 }
 
@@ -119,20 +67,6 @@ bool ContentInterpreter::EnterGroup(const Form& form) {
     state.fillAlpha = state.strokeAlpha = 1.0F;
     state.blendMode = GRAPHICS::TBlendMode::kNormal;
     return true;
-}
-
-void ContentInterpreter::ImageData(Numbers) {
-    InlineImage image;
-    const std::vector<Operand>& operands = Operands();
-    for (std::size_t i = 0; i + 1 < operands.size(); i += 2 + operands[i + 1].extent) {
-        if (operands[i].kind == OperandKind::kName) {
-            image.Read(operands[i].text, operands[i + 1]);
-        }
-    }
-    mFrame.parser->SkipInlineImage(image.Size());
-    if (!IsHidden()) {
-        mContext.reporter.Warn("image", "An image is left out");
-    }
 }
 
 void ContentInterpreter::BeginMark(Numbers) {

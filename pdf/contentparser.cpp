@@ -124,6 +124,7 @@ bool ContentParser::Next() {
     mTooDeep = 0;
     mFlat = true;
     mOperator = {};
+    mConsumed = mPosition;
     for (SkipSpace(); mPosition < mContent.size(); SkipSpace()) {
         const char first = mContent[mPosition];
         if (ClassOf(first) == CharClass::kDelimiter) {
@@ -134,6 +135,9 @@ bool ContentParser::Next() {
         }
         ReadNumberOrKeyword();
         if (!mOperator.empty()) {
+            if (!mIsComplete && (mPosition == mContent.size() || mOperator == "ID")) {
+                return false;
+            }
             // An operator within an array ends it: the closing bracket was lost.
             while (!mOpen.empty()) {
                 Close(mOperands[mOpen.back()].kind);
@@ -271,29 +275,39 @@ std::string_view ContentParser::TakeRegular() {
     return mContent.substr(start, mPosition - start);
 }
 
-void ContentParser::SkipInlineImage(std::size_t length) {
+std::string_view ContentParser::TakeInlineImage(std::size_t length) {
     if (mPosition < mContent.size() && ClassOf(mContent[mPosition]) == CharClass::kSpace) {
         ++mPosition;
     }
-    if (length > 0 && length <= mContent.size() - mPosition) {
-        std::size_t end = mPosition + length;
+    const std::size_t start = mPosition;
+    if (length > 0 && length <= mContent.size() - start) {
+        std::size_t end = start + length;
         while (end < mContent.size() && ClassOf(mContent[end]) == CharClass::kSpace) {
             ++end;
         }
         if (IsEndOfImage(end)) {
             mPosition = end + 2;
-            return;
+            return mContent.substr(start, length);
         }
     }
-    for (std::size_t found = mContent.find("EI", mPosition); found != std::string_view::npos;
+    for (std::size_t found = mContent.find("EI", start); found != std::string_view::npos;
          found = mContent.find("EI", found + 1)) {
-        const bool apart = found == mPosition || ClassOf(mContent[found - 1]) == CharClass::kSpace;
+        const bool apart = found == start || ClassOf(mContent[found - 1]) == CharClass::kSpace;
         if (apart && IsEndOfImage(found)) {
             mPosition = found + 2;
-            return;
+            return mContent.substr(start, found - start);
         }
     }
     mPosition = mContent.size();
+    return mContent.substr(start);
+}
+
+std::string_view ContentParser::OperandText() const {
+    if (mOperands.empty() || mOperands.front().kind != OperandKind::kName) {
+        return {};
+    }
+    const char* first = mOperands.front().text.data() - 1;
+    return {first, static_cast<std::size_t>(mOperator.data() - first)};
 }
 
 // Image data may hold EI by chance: what follows the true one is text.

@@ -35,12 +35,17 @@ public:
     static constexpr std::size_t kMaxOperands = 65536;
     static constexpr std::size_t kMaxNesting = 64;
 
-    /// `content` must outlive the parser.
-    explicit ContentParser(std::string_view content) : mContent(content) {}
+    /// `content` must outlive the parser. More may follow it unless it is complete.
+    explicit ContentParser(std::string_view content, bool isComplete = true)
+        : mContent(content), mIsComplete(isComplete) {}
 
     /// Goes on to the next operator; false at the end of the content. Operands without an operator
-    /// are dropped there.
+    /// are dropped there. An operator that what follows may change, and an inline image, wait for
+    /// the complete content.
     bool Next();
+
+    /// Bytes of the content that are done with; what follows them waits.
+    [[nodiscard]] std::size_t Consumed() const { return mConsumed; }
 
     [[nodiscard]] std::string_view Operator() const { return mOperator; }
 
@@ -49,9 +54,13 @@ public:
     /// Whether the operands are all plain: no arrays and dictionaries among them.
     [[nodiscard]] bool OperandsAreFlat() const { return mFlat; }
 
-    /// After the operator ID: steps over the image data and their EI. `length` is the number of
-    /// bytes of the data, or 0 when it is not known and EI has to be searched for.
-    void SkipInlineImage(std::size_t length);
+    /// After the operator ID: steps over the image data and their EI, and answers the data.
+    /// `length` is the number of their bytes, or 0 when it is not known and EI has to be searched
+    /// for.
+    std::string_view TakeInlineImage(std::size_t length);
+
+    /// The text from the first operand, a name, to the operator; empty when it is none.
+    [[nodiscard]] std::string_view OperandText() const;
 
 private:
     void SkipSpace();
@@ -67,7 +76,9 @@ private:
     [[nodiscard]] bool IsEndOfImage(std::size_t position) const;
 
     std::string_view mContent;
+    bool mIsComplete;
     std::size_t mPosition = 0;
+    std::size_t mConsumed = 0;
     std::string_view mOperator;
     std::vector<Operand> mOperands;
     std::vector<std::size_t> mOpen;  // indices of the containers not yet closed

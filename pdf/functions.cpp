@@ -22,7 +22,7 @@ HOST::FunctionShape ShapeOf(const QPDFObjectHandle& object) {
             NumbersOf(Get(object, "/Range"), std::size_t{2} * HOST::kMaxFunctionOutputs)};
 }
 
-HOST::FunctionPtr MakeSampled(const QPDFObjectHandle& object, HOST::FunctionShape shape,
+HOST::FunctionPtr MakeSampled(const QPDFObjectHandle& object, const HOST::FunctionShape& shape,
                               std::string& error) {
     HOST::SampledTable table;
     for (const float size : NumbersOf(Get(object, "/Size"), HOST::kMaxFunctionInputs)) {
@@ -35,7 +35,7 @@ HOST::FunctionPtr MakeSampled(const QPDFObjectHandle& object, HOST::FunctionShap
     std::string data;
     AppendStreamData(object, data, kLargestTable);
     table.samples.assign(data.begin(), data.end());
-    return HOST::MakeSampledFunction(std::move(shape), std::move(table), error);
+    return HOST::MakeSampledFunction(shape, std::move(table), error);
 }
 
 HOST::FunctionPtr MakeExponential(const QPDFObjectHandle& object, HOST::FunctionShape shape,
@@ -105,7 +105,7 @@ HOST::FunctionPtr FunctionReader::Make(const QPDFObjectHandle& object, std::stri
     HOST::FunctionShape shape = ShapeOf(object);
     switch (IntegerOf(Get(object, "/FunctionType")).value_or(-1)) {
         case 0:
-            return MakeSampled(object, std::move(shape), error);
+            return MakeSampled(object, shape, error);
         case 2:
             return MakeExponential(object, std::move(shape), error);
         case 3:

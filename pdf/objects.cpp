@@ -6,22 +6,24 @@
 #include <exception>
 #include <limits>
 #include <qpdf/Pipeline.hh>
+#include <qpdf/Pl_Flate.hh>
 #include <stdexcept>
 
 namespace VANTIX::PDF {
 
 namespace {
 
-/// The end of a chain of decoders: keeps what comes, and stops the chain at the limit.
+/// The end of a chain of decoders: hands on what comes, and stops the chain at the limit.
 class BoundedSink final : public Pipeline {
 public:
-    BoundedSink(std::string& out, std::size_t limit)
-        : Pipeline("bounded sink", nullptr), mOut(out), mLimit(limit) {}
+    BoundedSink(const Take& take, std::size_t limit)
+        : Pipeline("bounded sink", nullptr), mTake(take), mRoom(limit) {}
 
     void write(const unsigned char* data, std::size_t length) override {
-        const std::size_t room = mLimit > mOut.size() ? mLimit - mOut.size() : 0;
-        mOut.append(reinterpret_cast<const char*>(data), std::min(length, room));
-        if (length > room) {
+        const std::size_t taken = std::min(length, mRoom);
+        mTake({reinterpret_cast<const char*>(data), taken});
+        mRoom -= taken;
+        if (length > taken) {
             mFull = true;
             throw std::runtime_error("stream data exceed the limit");
         }
@@ -32,10 +34,51 @@ public:
     [[nodiscard]] bool IsFull() const { return mFull; }
 
 private:
-    std::string& mOut;
-    std::size_t mLimit;
+    const Take& mTake;
+    std::size_t mRoom;
     bool mFull = false;
 };
+
+bool IsPlainFlate(const QPDFObjectHandle& stream) {
+    QPDFObjectHandle filter = Get(stream, "/Filter");
+    if (filter.isArray() && filter.getArrayNItems() == 1) {
+        filter = filter.getArrayItem(0);
+    }
+    const std::string name = NameOf(filter);
+    return (name == "FlateDecode" || name == "Fl") && Get(stream, "/DecodeParms").isNull();
+}
+
+void Inflate(QPDFObjectHandle stream, Pipeline& sink) {
+    constexpr std::size_t kSlice = std::size_t{16} << 10U;
+    const auto coded = stream.getRawStreamData();
+    Pl_Flate inflater("content", &sink, Pl_Flate::a_inflate);
+    for (std::size_t at = 0; at < coded->getSize(); at += kSlice) {
+        inflater.write(coded->getBuffer() + at, std::min(kSlice, coded->getSize() - at));
+    }
+    inflater.finish();
+}
+
+StreamResult PipeData(QPDFObjectHandle& stream, std::size_t limit, const Take& take,
+                      qpdf_stream_decode_level_e level) {
+    if (!stream.isStream()) {
+        return StreamResult::kNoStream;
+    }
+    BoundedSink sink(take, limit);
+    bool known = false;
+    bool good = false;
+    try {
+        good = stream.pipeStreamData(&sink, &known, 0, level, true);
+    } catch (const std::exception&) {
+        good = false;
+    }
+    if (!known && level != qpdf_dl_none) {
+        return StreamResult::kUnknownFilter;
+    }
+    if (sink.IsFull()) {
+        return StreamResult::kTooLarge;
+    }
+    return good ? StreamResult::kOk : StreamResult::kDamaged;
+}
 
 }  // namespace
 
@@ -51,6 +94,10 @@ QPDFObjectHandle Get(QPDFObjectHandle object, const std::string& key) {
         object = object.getDict();
     }
     return object.isDictionary() ? object.getKey(key) : QPDFObjectHandle::newNull();
+}
+
+bool IsNull(QPDFObjectHandle object) {
+    return object.isNull();
 }
 
 std::string NameOf(QPDFObjectHandle object) {
@@ -144,27 +191,39 @@ bool IsInvertible(const std::array<double, 6>& matrix) {
 }
 
 StreamResult AppendStreamData(QPDFObjectHandle stream, std::string& out, std::size_t limit) {
-    if (!stream.isStream()) {
-        return StreamResult::kNoStream;
-    }
-    BoundedSink sink(out, limit);
-    bool filtered = false;
-    bool good = false;
     const std::size_t before = out.size();
-    try {
-        good = stream.pipeStreamData(&sink, &filtered, 0, qpdf_dl_specialized, true);
-    } catch (const std::exception&) {
-        good = false;
-    }
-    if (sink.IsFull()) {
-        return StreamResult::kTooLarge;
-    }
+    const StreamResult result = PipeData(
+        stream, limit - std::min(limit, before),
+        [&out](std::string_view piece) { out.append(piece); }, qpdf_dl_specialized);
     // Without all of its filters the data that came are still encoded.
-    if (!filtered) {
+    if (result == StreamResult::kUnknownFilter) {
         out.resize(before);
-        return StreamResult::kUnknownFilter;
     }
-    return good ? StreamResult::kOk : StreamResult::kDamaged;
+    return result;
+}
+
+StreamResult PipeRawData(QPDFObjectHandle stream, std::size_t limit, const Take& take) {
+    return PipeData(stream, limit, take, qpdf_dl_none);
+}
+
+StreamResult PipeStreamData(QPDFObjectHandle stream, std::size_t limit, const Take& take) {
+    return PipeData(stream, limit, take, qpdf_dl_specialized);
+}
+
+StreamResult PipeContent(QPDFObjectHandle stream, std::size_t limit, const Take& take) {
+    if (!stream.isStream() || !IsPlainFlate(stream)) {
+        std::string whole;
+        const StreamResult result = AppendStreamData(stream, whole, limit);
+        take(whole);
+        return result;
+    }
+    BoundedSink sink(take, limit);
+    try {
+        Inflate(stream, sink);
+    } catch (const std::exception&) {
+        return sink.IsFull() ? StreamResult::kTooLarge : StreamResult::kDamaged;
+    }
+    return StreamResult::kOk;
 }
 
 }  // namespace VANTIX::PDF

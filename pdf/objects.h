@@ -4,8 +4,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "pdf/qpdfheaders.h"
@@ -21,6 +23,8 @@ float ToFloat(double value);
 /// The entry `key` (with slash) of a dictionary or of a stream's dictionary; null for anything
 /// else.
 QPDFObjectHandle Get(QPDFObjectHandle object, const std::string& key);
+
+bool IsNull(QPDFObjectHandle object);
 
 /// The name without its slash, or nothing.
 std::string NameOf(QPDFObjectHandle object);
@@ -60,5 +64,17 @@ enum class StreamResult { kOk, kNoStream, kUnknownFilter, kDamaged, kTooLarge };
 /// Appends the decoded data of `stream` to `out`, at most until `out` holds `limit` bytes. What
 /// could be decoded of a damaged stream is kept.
 StreamResult AppendStreamData(QPDFObjectHandle stream, std::string& out, std::size_t limit);
+
+using Take = std::function<void(std::string_view)>;
+
+/// Hands the decoded data of `stream` on as they come, at most `limit` bytes. The file must not be
+/// read for other objects meanwhile. What comes of an unknown filter is still encoded.
+StreamResult PipeStreamData(QPDFObjectHandle stream, std::size_t limit, const Take& take);
+
+/// The same for the data as they are encoded, but decrypted.
+StreamResult PipeRawData(QPDFObjectHandle stream, std::size_t limit, const Take& take);
+
+/// `PipeStreamData` for takers that read other objects of the file meanwhile.
+StreamResult PipeContent(QPDFObjectHandle stream, std::size_t limit, const Take& take);
 
 }  // namespace VANTIX::PDF

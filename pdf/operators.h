@@ -75,7 +75,7 @@ struct Operators {
         // XObjects, images, marked content
         {"Do", 0, &CI::XObject},
         {"BI", 0, &CI::Ignore},
-        {"ID", 0, &CI::ImageData},
+        {"ID", 0, &CI::InlineImage},
         {"EI", 0, &CI::Ignore},
         {"MP", 0, &CI::Ignore},
         {"DP", 0, &CI::Ignore},

@@ -8,6 +8,7 @@
 #include "pdf/colorspaces.h"
 #include "pdf/contentinterpreter.h"
 #include "pdf/forms.h"
+#include "pdf/imagedata.h"
 #include "pdf/objects.h"
 #include "pdf/optionalcontent.h"
 #include "pdf/resources.h"
@@ -24,9 +25,10 @@ struct PagePlayer::Parts {
                       {theOptions.languageLevel, theOptions.embedProfiles}, reporter),
           optionalContent(theDocument.Qpdf()),
           forms(colorSpaces, reporter),
-          context{space, colorSpaces, optionalContent, forms, reporter, theOptions.intent} {}
+          context{space,     colorSpaces, optionalContent,   forms,
+                  imageData, reporter,    theOptions.intent, theOptions.keepsAlpha} {}
 
-    void ReadContent(int index);
+    void PlayContent(ContentInterpreter& interpreter, int index, Resources& resources);
     void PlayPage(int index);
     void SetUpPage(ContentInterpreter& interpreter, const PageGeometry& geometry);
     void PlayAnnotations(ContentInterpreter& interpreter, int index, Resources& resources);
@@ -37,8 +39,8 @@ struct PagePlayer::Parts {
     ColorSpaces colorSpaces;
     OptionalContent optionalContent;
     FormCache forms;
+    ImageDataReader imageData;
     PlayContext context;
-    std::string content;  // of the page being played; storage serves all pages
 };
 
 PagePlayer::PagePlayer(PdfDocument& document, HOST::Host& host, HOST::BaseConnectionSpace& space,
@@ -62,22 +64,29 @@ const std::set<std::string>& PagePlayer::ColorSpaceNames() const {
     return mParts->colorSpaces.UsedNames();
 }
 
-void PagePlayer::Parts::ReadContent(int index) {
-    content.clear();
+// The streams of an array make one content: operators may go on from one to the next.
+void PagePlayer::Parts::PlayContent(ContentInterpreter& interpreter, int index,
+                                    Resources& resources) {
+    const ContentInterpreter::ScopedLevel level(interpreter);
+    ContentInterpreter::Player player(interpreter, resources);
     QPDFObjectHandle contents = document.Attribute(index, "/Contents");
-    if (contents.isNull()) {
-        return;
-    }
-    const int count = contents.isArray() ? contents.getArrayNItems() : 1;
+    const bool isArray = contents.isArray();
+    const int count = isArray ? contents.getArrayNItems() : (contents.isNull() ? 0 : 1);
+    std::size_t room = kLargestContent;
+    const auto play = [&](std::string_view piece) {
+        room -= piece.size();
+        player.Add(piece);
+    };
     for (int i = 0; i < count; ++i) {
-        const QPDFObjectHandle stream = contents.isArray() ? contents.getArrayItem(i) : contents;
-        const StreamResult result = AppendStreamData(stream, content, kLargestContent);
+        const QPDFObjectHandle stream = isArray ? contents.getArrayItem(i) : contents;
+        const StreamResult result = PipeContent(stream, room, play);
         ReportStream(result, "Page content", reporter);
         if (result == StreamResult::kTooLarge) {
-            return;
+            break;
         }
-        content.push_back('\n');
+        player.Add("\n");
     }
+    player.Finish();
 }
 
 void PagePlayer::Parts::SetUpPage(ContentInterpreter& interpreter, const PageGeometry& geometry) {
@@ -97,15 +106,11 @@ void PagePlayer::Parts::SetUpPage(ContentInterpreter& interpreter, const PageGeo
 }
 
 void PagePlayer::Parts::PlayPage(int index) {
-    ReadContent(index);
     Resources resources(document.Attribute(index, "/Resources"), colorSpaces);
     ContentInterpreter interpreter(context);
     const ContentInterpreter::ScopedLevel page(interpreter);
     SetUpPage(interpreter, document.Geometry(index, options.box));
-    {
-        const ContentInterpreter::ScopedLevel contentLevel(interpreter);
-        interpreter.Play(content, resources);
-    }
+    PlayContent(interpreter, index, resources);
     PlayAnnotations(interpreter, index, resources);
 }
 

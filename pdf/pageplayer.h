@@ -23,6 +23,8 @@ struct ReaderOptions {
     PageBox box = PageBox::kCrop;
     /// Policy key 107: profiles go out as CIE-based arrays.
     bool embedProfiles = false;
+    /// Policy key 101: images keep their soft masks.
+    bool keepsAlpha = false;
 };
 
 /// Plays pages of one document into a connection space. Keeps what is shared between pages (colour

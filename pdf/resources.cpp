@@ -46,6 +46,11 @@ const ColorSpaceEntry* Resources::FindColorSpace(std::string_view name) {
     return space;
 }
 
+const ColorSpaceEntry* Resources::FindColorSpace(const QPDFObjectHandle& object) {
+    const std::string name = NameOf(object);
+    return name.empty() ? &mColorSpaces.Resolve(object, Defaults()) : FindColorSpace(name);
+}
+
 const ColorSpaceEntry& Resources::DeviceSpace(std::size_t index) {
     static constexpr std::array<const char*, 3> kNames = {"DeviceGray", "DeviceRGB", "DeviceCMYK"};
     if (mDevices[index] == nullptr) {

@@ -32,6 +32,9 @@ public:
     /// The space that operators cs and CS name, or null when there is none.
     const ColorSpaceEntry* FindColorSpace(std::string_view name);
 
+    /// The space that the dictionary of an image names or describes, or null when there is none.
+    const ColorSpaceEntry* FindColorSpace(const QPDFObjectHandle& object);
+
     /// What g, rg and k select here.
     const ColorSpaceEntry& DeviceSpace(std::size_t index);
 
