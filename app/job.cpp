@@ -242,6 +242,7 @@ void Job::PlayPages(HOST::BaseConnectionSpace& space, DscFrame& frame, HOST::Fil
     reader.intent = mOptions.intent;
     reader.box = mOptions.box;
     reader.embedProfiles = mOptions.policy.Bool(KEY::kEmbedProfiles);
+    reader.keepsAlpha = mOptions.policy.Bool(KEY::kPdfmarkTransparency);
     PDF::PagePlayer player(*mDocument, *mHost, space, reader, mDiagnostics);
     // Nothing more reaches a full disk or a closed pipe.
     for (std::size_t i = 0; i < mPages.size() && out.FirstError() == 0; ++i) {

@@ -134,12 +134,10 @@ bool OutputFile::OpenUnnamed(const std::string& folder, mode_t mode) {
     return true;
 }
 
-bool OutputFile::OpenNamed(const std::string& folder, mode_t mode) {
-    const SignalPause pause;
+bool OutputFile::TakeName(const std::string& folder, const std::function<bool(const char*)>& take) {
     for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
         std::string name = RandomName(folder);
-        mDescriptor = open(name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, mode);
-        if (mDescriptor >= 0) {
+        if (take(name.c_str())) {
             mTemporary = std::move(name);
             RememberTemporaryName(mTemporary);
             return true;
@@ -149,6 +147,14 @@ bool OutputFile::OpenNamed(const std::string& folder, mode_t mode) {
         }
     }
     return false;
+}
+
+bool OutputFile::OpenNamed(const std::string& folder, mode_t mode) {
+    const SignalPause pause;
+    return TakeName(folder, [&](const char* name) {
+        mDescriptor = open(name, O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, mode);
+        return mDescriptor >= 0;
+    });
 }
 
 int OutputFile::OpenWriter() const {
@@ -157,18 +163,9 @@ int OutputFile::OpenWriter() const {
 
 bool OutputFile::GiveName() {
     const std::string source = DescriptorPath(mDescriptor);
-    for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
-        std::string name = RandomName(FolderOf(mFinal));
-        if (linkat(AT_FDCWD, source.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
-            mTemporary = std::move(name);
-            RememberTemporaryName(mTemporary);
-            return true;
-        }
-        if (errno != EEXIST) {
-            return false;
-        }
-    }
-    return false;
+    return TakeName(FolderOf(mFinal), [&source](const char* name) {
+        return linkat(AT_FDCWD, source.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
+    });
 }
 
 bool OutputFile::CloseDescriptor() {

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -40,6 +41,8 @@ private:
     bool OpenStraight(const std::string& path);
     bool OpenStaged(const std::string& path, Staging staging);
     bool OpenUnnamed(const std::string& folder, mode_t mode);
+    /// Tries free names in `folder` until `take` has one; it says by errno why not.
+    bool TakeName(const std::string& folder, const std::function<bool(const char*)>& take);
     bool OpenNamed(const std::string& folder, mode_t mode);
     bool GiveName();
     bool CloseDescriptor();

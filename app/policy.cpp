@@ -67,7 +67,7 @@ struct Refused {
 };
 
 /// What this version does not build yet.
-constexpr std::array<Refused, 12> kNotBuilt{{
+constexpr std::array<Refused, 10> kNotBuilt{{
     {KEY::kColorModel, 1, "--color gray"},
     {KEY::kColorModel, 2, "--color gray-managed"},
     {KEY::kColorModel, 3, "--color gray-100"},
@@ -78,8 +78,6 @@ constexpr std::array<Refused, 12> kNotBuilt{{
     {KEY::kColorModel, 8, "--color cmyk-managed"},
     {KEY::kColorModel, 15, "--color devicen"},
     {KEY::kColorModel, 16, "--color devicen-managed"},
-    {KEY::kPdfmarkTransparency, 1, "--transparency pdfmark"},
-    {KEY::kSoftMasks, 1, "--soft-masks"},
 }};
 
 /// What an interpreter of Language Level 2 does not know.
