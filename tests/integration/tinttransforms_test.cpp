@@ -245,8 +245,7 @@ TEST_P(TintTransform, GivesTheFunctionsValuesInAnInterpreter) {
         }
         program << " Space 3 get exec] {=only ( ) print} forall\n";
     }
-    TEST::WriteFile(path, program.str());
-    const TEST::ProgramOutput run = TEST::RunPostScript(path);
+    const TEST::ProgramOutput run = TEST::RunPostScript(program.str());
     ASSERT_EQ(run.complaint, "");
 
     std::istringstream printed(run.text);

@@ -76,6 +76,28 @@ public:
     }
 
     COLOR::IConnectionColorSpace* GetProfileForm() override { return profile.Get(); }
+
+    /// Lines pass through: the first three planes of 8 bits are the connection colour.
+    Status LineToPCS(const std::uint8_t* const* planes, std::int32_t width, std::int32_t bits,
+                     float* pcs, COLOR::TRenderingIntent) const override {
+        for (std::int32_t i = 0; i < width * 3; ++i) {
+            const std::int32_t plane = i % 3;
+            pcs[i] = plane < components && planes[plane] != nullptr
+                         ? static_cast<float>(planes[plane][i / 3]) / 255.0F
+                         : 0.0F;
+        }
+        return bits == 8 ? STATUS::kOk : STATUS::kNotSupported;
+    }
+
+    Status LineFromPCS(const float* pcs, const std::uint8_t*, std::int32_t width, std::int32_t bits,
+                       std::uint8_t* const* planes, COLOR::TRenderingIntent) const override {
+        for (std::int32_t i = 0; i < width * std::min(components, 3); ++i) {
+            const std::int32_t x = i / std::min(components, 3);
+            const std::int32_t plane = i % std::min(components, 3);
+            planes[plane][x] = static_cast<std::uint8_t>(pcs[3 * x + plane] * 255.0F + 0.5F);
+        }
+        return bits == 8 ? STATUS::kOk : STATUS::kNotSupported;
+    }
 };
 
 /// A space of a family: `FakeDeviceSpace("cmyk"_cc)`.
@@ -156,6 +178,20 @@ public:
     COLOR::IConnectionColorSpace* GetAlternateSpace() const override { return alternate.Get(); }
 
     COLOR::IColorFunction* GetTintFunction() const override { return tint.Get(); }
+
+    /// The ink's full colour in every component.
+    float fullTint = 0.0F;
+
+    Status FillSpotTables(const COLOR::IConnectionColorSpace& target, float* colours,
+                          float* coverage, std::int32_t size, COLOR::TRenderingIntent,
+                          COLOR::TRenderingIntent, float opacity) const override {
+        for (std::int32_t i = 0; i < size; ++i) {
+            coverage[i] = opacity * static_cast<float>(i) / static_cast<float>(size - 1);
+            std::fill_n(colours + i * target.GetComponentCount(), target.GetComponentCount(),
+                        fullTint);
+        }
+        return STATUS::kOk;
+    }
 };
 
 class FakeInk : public TObject<COLOR::IInk> {

@@ -2,6 +2,9 @@
 #include "support/ghostscriptpages.h"
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 
 #include "support/childprocess.h"
 #include "support/temporaryfolder.h"
@@ -105,10 +108,39 @@ Interpretation<Plates> DrawPlates(const std::string& path, const GhostscriptOpti
     }
 }
 
-ProgramOutput RunPostScript(const std::string& path) {
+ProgramOutput RunPostScript(const std::string& program) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("program.ps");
+    std::ofstream(path, std::ios::binary) << program;
     const ChildResult result = RunGhostscript(path, {"-dNODISPLAY"});
     const bool failed = result.exitStatus != 0 || !result.errors.empty() || result.timedOut;
     return {result.output, failed ? Complaint(result) : std::string()};
+}
+
+std::vector<std::vector<double>> RunProcedure(const std::string& body,
+                                              const std::vector<std::vector<float>>& operands,
+                                              std::string* complaint) {
+    std::ostringstream program;
+    program << "%!PS\n/P {" << body << "} bind def\n";
+    for (const auto& values : operands) {
+        program << "[";
+        for (const float value : values) {
+            program << ' ' << value;
+        }
+        program << " P ] { =only ( ) print } forall (\\n) print\n";
+    }
+    const ProgramOutput run = RunPostScript(program.str());
+    *complaint = run.complaint;
+    std::istringstream lines(run.text);
+    std::vector<std::vector<double>> results;
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream numbers(line);
+        results.emplace_back(std::istream_iterator<double>(numbers),
+                             std::istream_iterator<double>());
+    }
+    // What the stacks still held is printed behind the results.
+    const bool clean = run.complaint.empty() && results.size() == operands.size();
+    return clean ? results : std::vector<std::vector<double>>();
 }
 
 }  // namespace VANTIX::TEST

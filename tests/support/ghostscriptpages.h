@@ -31,12 +31,19 @@ Interpretation<PageImage> DrawPages(const std::string& path, const GhostscriptOp
 /// every spot colour met.
 Interpretation<Plates> DrawPlates(const std::string& path, const GhostscriptOptions& options);
 
-/// Runs a PostScript program without drawing and answers what it prints; `complaint` as above.
+/// What a PostScript program printed; `complaint` as above.
 struct ProgramOutput {
     std::string text;
     std::string complaint;
 };
 
-ProgramOutput RunPostScript(const std::string& path);
+/// Runs a PostScript program without drawing.
+ProgramOutput RunPostScript(const std::string& program);
+
+/// Executes a procedure body once for each list of operands and gives back what each left on the
+/// operand stack. Nothing when the interpreter complained (`complaint` then holds its words).
+std::vector<std::vector<double>> RunProcedure(const std::string& body,
+                                              const std::vector<std::vector<float>>& operands,
+                                              std::string* complaint);
 
 }  // namespace VANTIX::TEST

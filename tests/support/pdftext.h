@@ -49,7 +49,7 @@ public:
         file += "xref\n0 " + std::to_string(size) + "\n0000000000 65535 f \n";
         for (int i = 1; i < size; ++i) {
             char line[24];
-            const bool used = offsets.count(i) != 0;
+            const bool used = offsets.contains(i);
             std::snprintf(line, sizeof line, "%010zu %05d %c \n", used ? offsets[i] : 0,
                           used ? 0 : 65535, used ? 'n' : 'f');
             file += line;

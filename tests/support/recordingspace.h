@@ -6,6 +6,8 @@
 #include <initializer_list>
 #include <string>
 
+#include "core/color/iconnectioncolorspace.h"
+#include "core/graphics/irastercomponent.h"
 #include "core/graphics/pluginhelper/delegateconnectionspace.h"
 
 namespace VANTIX::TESTS {
@@ -72,7 +74,64 @@ public:
 
     void SaveInitialPageMatrix() override { Write("initialmatrix", {}); }
 
+    /// "image rgb 2x1x8 ff00 80ff 0000": the planes in hexadecimal, lines parted by strokes. The
+    /// palette of an Indexed space stands in angles; extra channels follow under their types.
+    void DrawImage(GRAPHICS::IRasterComponent* raster, float x, float y, float width,
+                   float height) override {
+        calls += "image " + SpaceText(raster->GetColorSpace()) + ' ' +
+                 std::to_string(raster->GetWidth()) + 'x' + std::to_string(raster->GetHeight()) +
+                 'x' + std::to_string(raster->GetBitsPerSample());
+        for (std::int32_t i = 0; i < raster->GetPrimaryCount(); ++i) {
+            calls += ' ' + PlaneText(*raster, *raster->GetPrimary(i));
+        }
+        for (std::int32_t i = 0; i < raster->GetExtraCount(); ++i) {
+            const GRAPHICS::IChannelDesc* extra = raster->GetExtra(i);
+            calls += extra->GetType() == "LPHA"_cc ? " alpha" : " spot";
+            calls += extra->GetData()->IsFullyOpaque() ? "" : "*";
+            calls += std::to_string(extra->GetBits()) + ' ' + PlaneText(*raster, *extra);
+        }
+        const bool isUnit = x == 0.0F && y == 0.0F && width == 1.0F && height == 1.0F;
+        calls += isUnit ? "\n" : " elsewhere\n";
+    }
+
 private:
+    static std::string Hex(const std::uint8_t* bytes, std::size_t count) {
+        std::string text;
+        for (std::size_t i = 0; i < count; ++i) {
+            char digits[3];
+            std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned>(bytes[i]));
+            text += digits;
+        }
+        return text;
+    }
+
+    static std::string SpaceText(COLOR::IConnectionColorSpace* space) {
+        const auto* indexed = FindInterface<COLOR::IIndexedConnectionColorSpace>(
+            space, COLOR::IID_IINDEXEDCOLORSPACE);
+        if (indexed != nullptr) {
+            const auto bytes = static_cast<std::size_t>(
+                indexed->GetEntryCount() * indexed->GetBaseSpace()->GetComponentCount());
+            return SpaceText(indexed->GetBaseSpace()) + '<' + Hex(indexed->GetLUT(), bytes) + '>';
+        }
+        const auto* device =
+            FindInterface<COLOR::IDeviceConnectionColorSpace>(space, COLOR::IID_IDEVICECOLORSPACE);
+        const FourCC family = device == nullptr ? 0 : device->GetFamily();
+        const char* name = family == "gray"_cc ? "gray" : (family == "cmyk"_cc ? "cmyk" : "rgb");
+        return family == 0 ? '#' + std::to_string(space->GetComponentCount()) : name;
+    }
+
+    static std::string PlaneText(const GRAPHICS::IRasterComponent& raster,
+                                 const GRAPHICS::IChannelDesc& channel) {
+        const std::int32_t bytes = (raster.GetWidth() * channel.GetBits() + 7) / 8;
+        std::string text;
+        for (std::int32_t y = 0; y < raster.GetHeight(); ++y) {
+            const std::uint8_t* line = channel.GetData()->GetLine(y);
+            text += y > 0 ? "/" : "";
+            text += line == nullptr ? "missing" : Hex(line, static_cast<std::size_t>(bytes));
+        }
+        return text;
+    }
+
     void Write(const char* name, const float* numbers, std::int32_t count) {
         calls += name;
         for (std::int32_t i = 0; i < count; ++i) {

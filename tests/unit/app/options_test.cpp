@@ -101,9 +101,7 @@ INSTANTIATE_TEST_SUITE_P(NotBuilt, CommandLineRefusal,
                          testing::Values(Refusal{{"--color", "cmyk", "a"}, "--color cmyk "},
                                          Refusal{{"--color", "gray-100", "a"}, "--color gray-100 "},
                                          Refusal{{"--color", "devicen", "a"}, "--color devicen "},
-                                         Refusal{{"--policy", "100=5", "a"}, "--color rgb "},
-                                         Refusal{{"--transparency", "pdfmark", "a"},
-                                                 "--transparency pdfmark"}));
+                                         Refusal{{"--policy", "100=5", "a"}, "--color rgb "}));
 
 TEST(CommandLine, HelpAndVersionAreNoErrors) {
     EXPECT_THAT(Parse({"--help"}).out, testing::HasSubstr("--color"));

@@ -45,6 +45,18 @@ public:
     }
 
     COLOR::IConnectionColorSpace* GetProfileForm() override { return nullptr; }
+
+    Status LineToPCS(const std::uint8_t* const* /*planes*/, std::int32_t /*width*/,
+                     std::int32_t /*bits*/, float* /*pcs*/,
+                     COLOR::TRenderingIntent /*intent*/) const override {
+        return STATUS::kNotSupported;
+    }
+
+    Status LineFromPCS(const float* /*pcs*/, const std::uint8_t* /*alpha*/, std::int32_t /*width*/,
+                       std::int32_t /*bits*/, std::uint8_t* const* /*planes*/,
+                       COLOR::TRenderingIntent /*intent*/) const override {
+        return STATUS::kNotSupported;
+    }
 };
 
 /// Notes what reaches it, as a PostScript space does: it answers for its class, passes every other

@@ -7,7 +7,7 @@
 
 #include "host/color/functions.h"
 #include "support/evaluate.h"
-#include "support/ghostscript.h"
+#include "support/ghostscriptpages.h"
 
 namespace VANTIX::TEST {
 namespace {

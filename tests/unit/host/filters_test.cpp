@@ -114,9 +114,7 @@ TEST_P(FilterChain, IsUndoneByAnInterpreterBlockAfterBlock) {
     for (const Sample& sample : Samples()) {
         program += "decode\n" + filters.Encode(sample.data) + "\n";
     }
-    const TEST::TemporaryFolder folder;
-    TEST::WriteFile(folder.File("program.ps"), program);
-    const TEST::ProgramOutput output = TEST::RunPostScript(folder.File("program.ps"));
+    const TEST::ProgramOutput output = TEST::RunPostScript(program);
     EXPECT_EQ(output.complaint, "");
     std::string_view decoded = output.text;
     for (const Sample& sample : Samples()) {

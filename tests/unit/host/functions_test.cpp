@@ -17,14 +17,6 @@ using testing::ElementsAre;
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-HOST::FunctionPtr Exponential(std::vector<float> domain, std::vector<float> c0,
-                              std::vector<float> c1, float exponent,
-                              std::vector<float> range = {}) {
-    std::string error;
-    return HOST::MakeExponentialFunction({std::move(domain), std::move(range)}, std::move(c0),
-                                         std::move(c1), exponent, error);
-}
-
 HOST::FunctionPtr Line(float from, float to) {
     return Exponential({0, 1}, {from}, {to}, 1);
 }

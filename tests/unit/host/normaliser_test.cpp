@@ -27,14 +27,6 @@ HOST::FunctionPtr Table(const std::function<float(float)>& curve, std::int32_t s
     return HOST::MakeSampledFunction({{0, 1}, std::move(range)}, std::move(table), error);
 }
 
-HOST::FunctionPtr Exponential(std::vector<float> domain, std::vector<float> c0,
-                              std::vector<float> c1, float exponent,
-                              std::vector<float> range = {}) {
-    std::string error;
-    return HOST::MakeExponentialFunction({std::move(domain), std::move(range)}, std::move(c0),
-                                         std::move(c1), exponent, error);
-}
-
 HOST::FunctionPtr Calculator(const std::string& text, std::vector<float> domain,
                              std::vector<float> range) {
     std::string error;
@@ -248,7 +240,7 @@ HOST::FunctionPtr InkTable(
         }
     }
     std::string error;
-    auto made = HOST::MakeSampledFunction(std::move(shape), std::move(table), error);
+    auto made = HOST::MakeSampledFunction(shape, std::move(table), error);
     EXPECT_TRUE(made) << error;
     return made;
 }

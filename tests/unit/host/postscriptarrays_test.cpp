@@ -2,14 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <fstream>
 #include <sstream>
 
 #include "host/color/colorspacefactory.h"
-#include "support/ghostscript.h"
+#include "support/ghostscriptpages.h"
 #include "support/iccprofiles.h"
 #include "support/memoryprovider.h"
+#include "support/temporaryfolder.h"
 
 namespace VANTIX::TEST {
 namespace {
@@ -26,36 +25,24 @@ std::string ArrayOf(const ColorSpacePtr& space) {
 }
 
 /// One pixel for each colour, as an interpreter shows it in sRGB.
-std::vector<int> Render(const std::string& array, const std::vector<std::vector<float>>& colors) {
-    char path[] = "/tmp/norvane-test-XXXXXX";
-    const int handle = mkstemp(path);
-    close(handle);
+std::vector<std::uint8_t> Render(const std::string& array,
+                                 const std::vector<std::vector<float>>& colors) {
     std::ostringstream program;
     // As the output context defines a space, with something on the stack that must stay there.
-    program << "%!PS\n(mark) /GCSA1 " << array << "def\n GCSA1 setcolorspace\n";
+    program << "%!PS\n<< /PageSize [" << colors.size() << " 1] >> setpagedevice\n"
+            << "(mark) /GCSA1 " << array << "def\n GCSA1 setcolorspace\n";
     for (std::size_t i = 0; i < colors.size(); ++i) {
         for (const float value : colors[i]) {
             program << value << ' ';
         }
         program << "setcolor " << i << " 0 1 1 rectfill\n";
     }
-    program << "showpage (mark) eq count 1 eq and not {stop} if\n";
-    std::ofstream(path) << program.str();
-    const std::string page = std::string(path) + ".ppm";
-    const std::string command = "gs -q -dBATCH -dNOPAUSE -dSAFER -sDEVICE=ppmraw -r72 -g" +
-                                std::to_string(colors.size()) + "x1" + " -sOutputFile=" + page +
-                                " " + path + " >/dev/null 2>&1";
-    EXPECT_EQ(std::system(command.c_str()), 0) << array.substr(0, 500);
-    std::ifstream image(page, std::ios::binary);
-    const std::string bytes((std::istreambuf_iterator<char>(image)), {});
-    std::vector<int> pixels;
-    const std::size_t size = 3 * colors.size();
-    for (std::size_t i = bytes.size() < size ? 0 : bytes.size() - size; i < bytes.size(); ++i) {
-        pixels.push_back(static_cast<unsigned char>(bytes[i]));
-    }
-    unlink(path);
-    unlink(page.c_str());
-    return pixels;
+    program << "gsave showpage grestore (mark) eq not {stop} if\n";
+    const TemporaryFolder folder;
+    WriteFile(folder.File("colors.ps"), program.str());
+    const auto drawn = DrawPages(folder.File("colors.ps"), {});
+    EXPECT_EQ(drawn.complaint, "") << array.substr(0, 500);
+    return drawn.pages.size() == 1 ? drawn.pages[0].samples : std::vector<std::uint8_t>();
 }
 
 class PostScriptArrays : public testing::Test {
@@ -64,7 +51,7 @@ protected:
     void ExpectRendered(const ColorSpacePtr& space, const std::vector<std::vector<float>>& colors,
                         int tolerance) {
         ASSERT_TRUE(space) << mError;
-        const std::vector<int> pixels = Render(ArrayOf(space), colors);
+        const auto pixels = Render(ArrayOf(space), colors);
         ASSERT_EQ(pixels.size(), 3 * colors.size());
         const auto rgb = mFactory->DeviceSpace("rgb "_cc);
         for (std::size_t i = 0; i < colors.size(); ++i) {
@@ -116,11 +103,14 @@ TEST_F(PostScriptArrays, ShortFormsStandForTheUsualCurves) {
               ArrayOf(mFactory->ProfileSpace(InkProfile(), 4, mError)));
 }
 
+TEST_F(PostScriptArrays, CmykWithoutAProfileStandsForItself) {
+    const auto cmyk = mFactory->DeviceSpace("cmyk"_cc);
+    EXPECT_EQ(cmyk->GetProfileForm(), cmyk.Get());
+    EXPECT_EQ(ArrayOf(cmyk), "/DeviceCMYK ");
+}
+
 TEST_F(PostScriptArrays, SpacesWithoutAFormSaySo) {
     MemoryProvider out;
-    const auto cmyk = mFactory->DeviceSpace("cmyk"_cc);
-    EXPECT_EQ(cmyk->GetProfileForm(), nullptr);
-    EXPECT_NE(cmyk->WritePostScriptArray(kRelative, out), STATUS::kOk);
     EXPECT_NE(mFactory->NoneSpace()->WritePostScriptArray(kRelative, out), STATUS::kOk);
     EXPECT_EQ(out.contents, "");
     out.writeStatus = STATUS::kWriteFailed;

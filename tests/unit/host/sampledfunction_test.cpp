@@ -15,9 +15,9 @@ namespace {
 using COLOR::TRenderingIntent;
 using testing::ElementsAre;
 
-HOST::FunctionPtr Sampled(HOST::FunctionShape shape, HOST::SampledTable table) {
+HOST::FunctionPtr Sampled(const HOST::FunctionShape& shape, HOST::SampledTable table) {
     std::string error;
-    auto made = HOST::MakeSampledFunction(std::move(shape), std::move(table), error);
+    auto made = HOST::MakeSampledFunction(shape, std::move(table), error);
     EXPECT_EQ(made == nullptr, !error.empty());
     return made;
 }
@@ -70,8 +70,8 @@ TEST(SampledFunction, EncodeDecodeDomainAndRangeAreKept) {
 }
 
 TEST(SampledFunction, HostileTablesAreRefused) {
-    const auto refuses = [](HOST::FunctionShape shape, HOST::SampledTable table) {
-        return Sampled(std::move(shape), std::move(table)) == nullptr;
+    const auto refuses = [](const HOST::FunctionShape& shape, HOST::SampledTable table) {
+        return Sampled(shape, std::move(table)) == nullptr;
     };
     const std::vector<std::uint8_t> few(8);
     const std::int32_t huge = std::numeric_limits<std::int32_t>::max();

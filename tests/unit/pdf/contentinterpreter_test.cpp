@@ -74,10 +74,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"LastOperandsCount", "7 7 1 2 m 3 3 l S",
                          "move 1 2\nline 3 3\nstroke gray 0\nnewpath\n"},
                     Case{"LaterKindsWarnOnce",
-                         "BT /F 1 Tf (a) Tj (b) ' ET /S sh BI /W 1 /H 1 /CS /G /BPC 8 ID x EI "
+                         "BT /F 1 Tf (a) Tj (b) ' ET /S sh "
                          "/Pattern cs /P scn 0 0 9 9 re f 0 0 9 9 re B",
                          "move 0 0\nline 9 0 9 9 0 9\nclose\nstroke gray 0\nnewpath\n",
-                         "text shading image pattern "},
+                         "text shading pattern "},
                     Case{"MissingResourcesAreReported", "/X Do /X gs /X cs", "",
                          "missing-resource "}),
     [](const auto& param) { return std::string(param.param.name); });

@@ -8,9 +8,10 @@
 namespace VANTIX::PDF {
 namespace {
 
-// Operators with their operands, one line each: "(12 /Name [2: 1 2] cm)".
-std::string Parse(std::string_view content) {
-    ContentParser parser(content);
+// Operators with their operands, one line each: "(12 /Name [2: 1 2] cm)". `rest` takes what waits
+// for more content.
+std::string Parse(std::string_view content, std::string* rest = nullptr) {
+    ContentParser parser(content, rest == nullptr);
     std::string text;
     while (parser.Next()) {
         for (const Operand& operand : parser.Operands()) {
@@ -36,8 +37,11 @@ std::string Parse(std::string_view content) {
         }
         text += std::string(parser.Operator()) + "\n";
         if (parser.Operator() == "ID") {
-            parser.SkipInlineImage(0);
+            parser.TakeInlineImage(0);
         }
+    }
+    if (rest != nullptr) {
+        *rest = content.substr(parser.Consumed());
     }
     return text;
 }
@@ -93,9 +97,22 @@ TEST(ContentParser, KnownLengthOverridesEIWithinImageData) {
     const std::string content = "ID " + data + "\nEI Q";
     ContentParser parser(content);
     ASSERT_TRUE(parser.Next());
-    parser.SkipInlineImage(data.size());
+    parser.TakeInlineImage(data.size());
     ASSERT_TRUE(parser.Next());
     EXPECT_EQ(parser.Operator(), "Q");
+}
+
+TEST(ContentParser, PiecesCutAnywhereGiveTheSameOperators) {
+    constexpr std::string_view kContent =
+        "q 1 0 0 1 7.25 8 cm % a comment\n/N gs [(a(b)\\)c) -3] TJ <</A <41>>> BDC "
+        "BI /W 1 ID \x01\x02 EI Q 12 34 m";
+    const std::string whole = Parse(kContent);
+    for (std::size_t cut = 0; cut <= kContent.size(); ++cut) {
+        std::string rest;
+        std::string text = Parse(kContent.substr(0, cut), &rest);
+        text += Parse(rest.append(kContent.substr(cut)));
+        EXPECT_EQ(text, whole) << "cut at " << cut;
+    }
 }
 
 }  // namespace

@@ -172,7 +172,7 @@ TEST(PdfDocument, InformationAndOutputIntent) {
     pdf.Object(1,
                "<< /Type /Catalog /Pages 2 0 R /OutputIntents [ << >> << /DestOutputProfile 6 0 R "
                ">> ] >>")
-        .Object(5, "<< /Title (\\376\\377\\000T\\040\\254) /Creator 7 >>")
+        .Object(5, R"(<< /Title (\376\377\000T\040\254) /Creator 7 >>)")
         .Stream(6, "profile", "/N 4")
         .Trailer("/Info 5 0 R");
     const Opened opened(pdf.Bytes());

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "support/fakefunctions.h"
-#include "support/ghostscript.h"
+#include "support/ghostscriptpages.h"
 #include "support/recordinglogger.h"
 
 namespace VANTIX {

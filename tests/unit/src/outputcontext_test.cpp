@@ -5,7 +5,7 @@
 
 #include "postscriptconnectionspace/blendmodes.h"
 #include "postscriptconnectionspace/standardhashie.h"
-#include "support/ghostscript.h"
+#include "support/ghostscriptpages.h"
 #include "support/outputcontextfixture.h"
 
 namespace VANTIX::PS {
@@ -49,11 +49,11 @@ constexpr const char* kSpotTint =
 
 /// Whether an interpreter takes the text without an error and keeps its operand stack empty.
 ::testing::AssertionResult RunsClean(const std::string& text) {
-    const auto run = TEST::RunGhostscript("%!PS\n" + text + "\ncount =\n");
-    return run.status == 0 && run.output == "0\n" ? ::testing::AssertionSuccess()
-                                                  : ::testing::AssertionFailure()
-                                                        << run.output << "in\n"
-                                                        << text;
+    const auto run = TEST::RunPostScript("%!PS\n" + text + "\n");
+    if (run.complaint.empty() && run.text.empty()) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << run.complaint << run.text << "in\n" << text;
 }
 
 TEST_F(OutputContext, WritesASpaceOnceWhileItIsCurrent) {

@@ -4,7 +4,7 @@
 #include <array>
 #include <string>
 
-#include "support/ghostscript.h"
+#include "support/ghostscriptpages.h"
 #include "support/outputcontextfixture.h"
 
 namespace VANTIX::PS {

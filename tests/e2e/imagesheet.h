@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "e2e/pdftext.h"
+#include "support/imageencoders.h"
+#include "support/pageimage.h"
+
+namespace VANTIX::TEST {
+
+/// The entries of an image dictionary for the samples; `more` comes behind them.
+inline std::string ImageEntries(const Samples& samples, const std::string& space,
+                                const std::string& more = {}) {
+    return "/Type /XObject /Subtype /Image /Width " + std::to_string(samples.width) + " /Height " +
+           std::to_string(samples.height) + " /BitsPerComponent " + std::to_string(samples.bits) +
+           " /ColorSpace " + space + " " + more;
+}
+
+/// A stencil mask of a line drawing.
+inline std::string StencilEntries(const std::string& more = {}) {
+    const Samples art = LineArt();
+    return "/Type /XObject /Subtype /Image /ImageMask true /Width " + std::to_string(art.width) +
+           " /Height " + std::to_string(art.height) + " " + more;
+}
+
+/// A page with an image in each cell of a grid.
+class Sheet {
+public:
+    /// What is known of a cell.
+    struct Cell {
+        std::string name;
+        bool isJudged = true;
+        std::optional<std::size_t> like = std::nullopt;  ///< the cell that looks the same
+        bool isDrawnRight = true;  ///< false: Ghostscript errs about the PDF, not about `like`
+    };
+
+    /// Adds an object and answers a reference to it.
+    std::string Add(const std::string& object) {
+        mObjects.push_back(object);
+        return std::to_string(kFirstObject + mObjects.size() - 1) + " 0 R";
+    }
+
+    /// Names a colour space for the content.
+    void Space(const std::string& name, const std::string& space) {
+        mSpaces += "/" + name + " " + space + " ";
+    }
+
+    /// Begins a cell in which the operators draw into the unit square.
+    Cell& Draw(const std::string& name, const std::string& operators) {
+        const std::size_t x = kPitchX * (mCells.size() % kColumns);
+        const std::size_t y = kPageHeight - kPitchY * (mCells.size() / kColumns + 1);
+        mContent += "q " + std::to_string(kWidth) + " 0 0 " + std::to_string(kHeight) + " " +
+                    std::to_string(x) + " " + std::to_string(y) + " cm\n" + operators + "\nQ\n";
+        mCells.push_back({name});
+        return mCells.back();
+    }
+
+    /// The name, for `Do`, of an image of the given dictionary entries and encoded data.
+    std::string Object(const std::string& entries, const std::string& data) {
+        const std::string reference = Add(StreamOf(data, entries));
+        std::string name = "/X" + std::to_string(mObjects.size());
+        mImages += name + " " + reference + " ";
+        return name;
+    }
+
+    Cell& Image(const std::string& name, const std::string& entries, const std::string& data,
+                const std::string& before = {}) {
+        return Draw(name, before + " " + Object(entries, data) + " Do");
+    }
+
+    Cell& Inline(const std::string& name, const std::string& entries, const std::string& data) {
+        return Draw(name, "BI " + entries + " ID " + data + "\nEI");
+    }
+
+    [[nodiscard]] const std::vector<Cell>& Cells() const { return mCells; }
+
+    [[nodiscard]] std::string Pdf() const {
+        return PageOf(mContent, "/XObject << " + mImages + ">> /ColorSpace << " + mSpaces + ">>",
+                      mObjects,
+                      "/MediaBox [0 0 " + std::to_string(kPitchX * kColumns) + " " +
+                          std::to_string(kPageHeight) + "]");
+    }
+
+    /// What a page or plate, drawn at 72 dots per inch, shows in a cell and the gap around it.
+    static PageImage CellOf(const PageImage& page, std::size_t index) {
+        const std::size_t left = kPitchX * (index % kColumns);
+        const std::size_t top = kPitchY * (index / kColumns);
+        PageImage cell{kPitchX, kPitchY, page.channels, {}};
+        if (page.width < left + kPitchX || page.height < top + kPitchY) {
+            return {};
+        }
+        for (std::size_t y = top; y < top + kPitchY; ++y) {
+            const auto row = page.samples.begin() +
+                             static_cast<std::ptrdiff_t>((y * page.width + left) * page.channels);
+            cell.samples.insert(cell.samples.end(), row,
+                                row + static_cast<std::ptrdiff_t>(kPitchX * page.channels));
+        }
+        return cell;
+    }
+
+private:
+    static constexpr std::size_t kFirstObject = 5;
+    static constexpr std::size_t kColumns = 6;
+    static constexpr std::size_t kPitchX = 60;
+    static constexpr std::size_t kPitchY = 40;
+    static constexpr std::size_t kWidth = 55;
+    static constexpr std::size_t kHeight = 35;
+    static constexpr std::size_t kPageHeight = 320;
+
+    std::vector<Cell> mCells;
+    std::vector<std::string> mObjects;
+    std::string mContent;
+    std::string mImages;
+    std::string mSpaces;
+};
+
+}  // namespace VANTIX::TEST
