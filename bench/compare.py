@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 """Converts whole documents with norvane and with other converters of PDF to PostScript, and prints
 processor time, peak memory and output bytes, with ratios to norvane's. Documents are those named,
-or made here: one page with at least 1 MB of content, and 1, 10 and 100 pages to see growth."""
+or made here: one page with at least 1 MB of content, images, and 1, 10 and 100 pages to see
+growth."""
 
 import argparse
 import pathlib
@@ -12,7 +13,7 @@ import subprocess
 import sys
 import tempfile
 
-import vectorpdf
+import benchpdf
 
 RUNS = 3
 TIME_LIMIT_SECONDS = 300
@@ -103,12 +104,17 @@ def main():
         if arguments.documents:
             return
         large = folder / "large.pdf"
-        vectorpdf.write_pdf(large, 1, 4_000_000)
+        benchpdf.write_pdf(large, 1, 4_000_000)
         compare("one page, 4 MB of content", large, converters, folder)
+        for space, png in (("DeviceRGB", False), ("DeviceRGB", True), ("DeviceCMYK", False)):
+            image = folder / "image.pdf"
+            benchpdf.write_image_pdf(image, space, png_predictor=png)
+            compare(f"4 megapixels of {space}, Flate{' with a PNG predictor' if png else ''}",
+                    image, converters, folder)
         figures = []
         for pages in (1, 10, 100):
             document = folder / f"{pages}.pdf"
-            vectorpdf.write_pdf(document, pages, 100_000)
+            benchpdf.write_pdf(document, pages, 100_000)
             figures.append((pages, compare(f"{pages} pages of 100 kB", document, converters, folder)))
         print_growth(figures)
 

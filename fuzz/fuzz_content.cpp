@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             }
         }
         if (parser.Operator() == "ID") {
-            parser.SkipInlineImage(size % 7);
+            parser.TakeInlineImage(size % 7);
         }
     }
     return 0;
