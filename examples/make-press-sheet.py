@@ -6,7 +6,8 @@
 
 The card is a picture in two spot inks and black with a varnish that overprints; around it stand what a
 pressman needs: crop marks and registration marks on every plate, a colour bar, tint ramps,
-gradients, and the names of the plates, each printed by its own plate.
+gradients, three small pictures (process colours, grains of one ink, steps of another), and the
+names of the plates, each printed by its own plate.
 """
 import math
 import pathlib
@@ -47,7 +48,7 @@ RESOURCES = """<<
     /Regular << /Type /Font /Subtype /Type1 /BaseFont /Helvetica /Encoding /WinAnsiEncoding >>
     /Bold << /Type /Font /Subtype /Type1 /BaseFont /Helvetica-Bold /Encoding /WinAnsiEncoding >>
   >>
-  /XObject << /Register 15 0 R >>
+  /XObject << /Register 15 0 R /Ball 16 0 R /Grains 17 0 R /Steps 18 0 R >>
 >>"""
 
 
@@ -271,6 +272,67 @@ def ramps() -> "list[str]":
     return lines
 
 
+def pictures() -> "list[str]":
+    """Three pictures of one ball above the ramps."""
+    lines = ["% ---- pictures: process colours, grains of one ink, steps of another"]
+    for name, y in (("/Ball", 441), ("/Grains", 393), ("/Steps", 345)):
+        lines.append(f"q /Sea cs 1 scn 44 0 0 44 38 {y} cm {name} Do Q")
+    return lines
+
+
+def light(x: float, y: float) -> "tuple[bool, float]":
+    """Whether the ball is seen at (x, y) of the unit square, y downwards; how bright the place is."""
+    u, v = (x - 0.5) / 0.36, (y - 0.46) / 0.36
+    if u * u + v * v >= 1:
+        shadow = math.hypot((x - 0.6) / 0.36, (y - 0.84) / 0.09)
+        return False, min(1.0, 0.4 + 0.6 * shadow * shadow)
+    w = math.sqrt(1 - u * u - v * v)
+    facing = max(0.0, -0.5 * u - 0.6 * v + 0.62 * w)
+    return True, min(1.0, 0.12 + 0.8 * facing + 0.5 * facing ** 24)
+
+
+def grid(side: int) -> "list[list[tuple[bool, float]]]":
+    return [[light((x + 0.5) / side, (y + 0.5) / side) for x in range(side)] for y in range(side)]
+
+
+def ball() -> bytes:
+    """An orange ball on paper: four samples a pixel, ink amounts."""
+    samples = bytearray()
+    for seen, bright in sum(grid(64), []):
+        inks = (0.1 * (1 - bright), 0.25 + 0.4 * (1 - bright), min(1.0, 1.3 - bright), 0.75 * (1 - bright) ** 2) \
+            if seen else (0.3 * (1 - bright), 0.2 * (1 - bright), 0.1 * (1 - bright), 0.5 * (1 - bright))
+        samples += bytes(round(255 * max(0.0, ink)) for ink in inks)
+    return bytes(samples)
+
+
+def grains() -> bytes:
+    """The same in grains (error diffusion after Floyd and Steinberg): 1 bit a pixel, 0 is ink."""
+    side = 128
+    rest = [[bright for _, bright in row] + [0.0] for row in grid(side)] + [[0.0] * (side + 1)]
+    samples = bytearray(side * side // 8)
+    for y in range(side):
+        for x in range(side):
+            paper = rest[y][x] >= 0.5
+            error = rest[y][x] - paper
+            samples[(y * side + x) // 8] |= paper << (7 - x % 8)
+            for dx, dy, share in ((1, 0, 7), (-1, 1, 3), (0, 1, 5), (1, 1, 1)):
+                rest[y + dy][x + dx] += error * share / 16
+    return bytes(samples)
+
+
+def steps() -> bytes:
+    """The same in eight steps: 4 bits a pixel, indices of a palette of tints."""
+    indices = [round(7 * (1 - bright)) for _, bright in sum(grid(64), [])]
+    return bytes(a << 4 | b for a, b in zip(indices[::2], indices[1::2]))
+
+
+def image(side: int, data: bytes, entries: str) -> str:
+    digits = data.hex() + ">"
+    rows = "\n".join(digits[i:i + 128] for i in range(0, len(digits), 128))
+    return stream(rows, f"/Type /XObject /Subtype /Image /Width {side} /Height {side}\n   {entries}\n"
+                        "   /Filter /ASCIIHexDecode ")
+
+
 def slug() -> "list[str]":
     """The line above the sheet: what this is, and each plate's name in its own ink."""
     lines = ["% ---- the slug line", "/All cs 1 scn",
@@ -294,7 +356,7 @@ def register_mark() -> str:
 
 
 def page() -> str:
-    return "\n".join(card() + marks() + colour_bar() + ramps() + slug())
+    return "\n".join(card() + marks() + colour_bar() + ramps() + pictures() + slug())
 
 
 def objects() -> "dict[int, str]":
@@ -318,6 +380,10 @@ def objects() -> "dict[int, str]":
         13: stream(MIX, "/FunctionType 4 /Domain [0 1 0 1] /Range [0 1 0 1 0 1 0 1] "),
         14: tint(1, 1, 1, 1),
         15: stream(register_mark(), form),
+        16: image(64, ball(), "/ColorSpace /DeviceCMYK /BitsPerComponent 8"),
+        17: image(128, grains(), "/ImageMask true /BitsPerComponent 1"),
+        18: image(64, steps(), "/ColorSpace [/Indexed [/Separation /Sunrise#20Orange /DeviceCMYK 11 0 R] 7\n"
+                               "   <002449 6D92B6 DBFF>] /BitsPerComponent 4"),
     }
 
 
