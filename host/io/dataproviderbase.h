@@ -23,12 +23,17 @@ inline std::int64_t ResolveOffset(std::int64_t offset, IO::Offset origin, std::i
                                   std::int64_t size) {
     constexpr std::int64_t kMaxOffset = std::int64_t{1} << 60U;
     std::int64_t base = 0;
-    if (origin == IO::Offset::kEnd) {
-        base = size;
-    } else if (origin == IO::Offset::kCurrent) {
-        base = position;
-    } else if (origin != IO::Offset::kBegin) {
-        return -1;
+    switch (origin) {
+        case IO::Offset::kBegin:
+            break;
+        case IO::Offset::kCurrent:
+            base = position;
+            break;
+        case IO::Offset::kEnd:
+            base = size;
+            break;
+        default:
+            return -1;
     }
     if (offset < -base || offset > kMaxOffset - base) {
         return -1;

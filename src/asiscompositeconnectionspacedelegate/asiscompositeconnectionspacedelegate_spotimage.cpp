@@ -170,8 +170,8 @@ struct AsIsCompositeConnectionSpaceDelegate::Colorants {
     [[nodiscard]] PS::TextBuffer Program(std::size_t outputs) const {
         PS::TextBuffer text;
         text.Append(outputs == 4 ? "0.0 0.0 0.0 0.0 " : "1 1 1\n");
-        for (auto amount = amounts.rbegin(); amount != amounts.rend(); ++amount) {
-            const auto& [a, b, c, d] = *amount;
+        for (std::size_t i = amounts.size(); i-- > 0;) {
+            const auto& [a, b, c, d] = amounts[i];
             if (outputs == 4) {
                 text.Format(kOverInks, a, b, c, d);
             } else {

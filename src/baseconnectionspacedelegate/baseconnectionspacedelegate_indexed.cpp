@@ -359,7 +359,7 @@ void BaseConnectionSpaceDelegate::WriteIndexedImage(IRasterComponent& raster, st
     }
     if (imagemask) {
         colour += "setcolorspace ";
-        const std::int32_t entry = std::clamp(maskEntry, 0, palette.entries - 1);
+        const std::ptrdiff_t entry = std::clamp(maskEntry, 0, palette.entries - 1);
         AppendMaskColour(colour, palette.bytes + entry * palette.components, palette.components,
                          palette.complement);
     } else {

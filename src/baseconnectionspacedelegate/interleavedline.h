@@ -17,7 +17,7 @@ namespace VANTIX::RENDERING {
 class InterleavedLine {
 public:
     /// All primaries and extra channels of any raster.
-    static constexpr std::size_t kMostPlanes = 2 * COLOR::kMaxComponents;
+    static constexpr std::size_t kMostPlanes = std::size_t{2} * COLOR::kMaxComponents;
 
     using Planes = std::array<const std::uint8_t*, kMostPlanes>;
 

@@ -123,13 +123,17 @@ std::int32_t WriteProfileColorSpaceLUT(COLOR::IConnectionColorSpaceFactory* fact
                                        const unsigned char* lutIn, char* lutOut, std::int32_t count,
                                        COLOR::TRenderingIntent sourceIntent,
                                        COLOR::TRenderingIntent destinationIntent) {
-    const FourCC family = profile == nullptr ? 0 : profile->GetFamily();
+    if (factory == nullptr || profile == nullptr) {
+        LogError(kModule) << "Need to handle this colorspace";
+        return 0;
+    }
+    const FourCC family = profile->GetFamily();
     TInterfacePtr<IConnectionColorSpace> device;
-    if (factory != nullptr && family == "cmyk"_cc) {
+    if (family == "cmyk"_cc) {
         device = TInterfacePtr<IConnectionColorSpace>::Adopt(factory->CreateDeviceCMYKColorSpace());
-    } else if (factory != nullptr && family == "gray"_cc) {
+    } else if (family == "gray"_cc) {
         device = TInterfacePtr<IConnectionColorSpace>::Adopt(factory->CreateDeviceGrayColorSpace());
-    } else if (factory != nullptr && family == "rgb "_cc) {
+    } else if (family == "rgb "_cc) {
         device = TInterfacePtr<IConnectionColorSpace>::Adopt(factory->CreateDeviceRGBColorSpace());
     }
     if (!device) {

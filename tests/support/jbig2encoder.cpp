@@ -91,7 +91,7 @@ void ArithmeticEncoder::CodeInteger(States& states, std::optional<int> value) {
     std::string bits = !value || *value < 0 ? "1" : "0";
     bits += std::string(range, '1') + (range < 5 ? "0" : "");
     for (unsigned i = kRanges[range].first; i-- > 0;) {
-        bits += (size - kRanges[range].second) >> i & 1 ? '1' : '0';
+        bits += ((size - kRanges[range].second) >> i & 1) != 0 ? '1' : '0';
     }
     std::size_t previous = 1;
     for (const char bit : bits) {
@@ -234,7 +234,9 @@ void CodeRefinement(ArithmeticEncoder& encoder, ArithmeticEncoder::States& state
             int sum = 0;
             for (int i = 0; i < 9; ++i) {
                 sum +=
-                    IsBlack(reference, x - offset.first + i % 3 - 1, y - offset.second + i / 3 - 1);
+                    IsBlack(reference, x - offset.first + i % 3 - 1, y - offset.second + i / 3 - 1)
+                        ? 1
+                        : 0;
             }
             return sum;
         };

@@ -109,8 +109,9 @@ private:
         const auto* indexed = FindInterface<COLOR::IIndexedConnectionColorSpace>(
             space, COLOR::IID_IINDEXEDCOLORSPACE);
         if (indexed != nullptr) {
-            const auto bytes = static_cast<std::size_t>(
-                indexed->GetEntryCount() * indexed->GetBaseSpace()->GetComponentCount());
+            const auto bytes =
+                static_cast<std::size_t>(indexed->GetEntryCount()) *
+                static_cast<std::size_t>(indexed->GetBaseSpace()->GetComponentCount());
             return SpaceText(indexed->GetBaseSpace()) + '<' + Hex(indexed->GetLUT(), bytes) + '>';
         }
         const auto* device =

@@ -70,8 +70,8 @@ std::string DifferAsTiff(const std::string& samples, const ImageFormat& format) 
             const std::uint32_t difference = sample(i) - (i < colors ? 0 : sample(i - colors));
             for (std::size_t bit = 0; bit < bits; ++bit) {
                 const std::size_t to = (i + 1) * bits - 1 - bit;
-                row[to / 8] =
-                    static_cast<char>(row[to / 8] | ((difference >> bit & 1U) << (7 - to % 8)));
+                row[to / 8] = static_cast<char>(static_cast<unsigned char>(row[to / 8]) |
+                                                ((difference >> bit & 1U) << (7 - to % 8)));
             }
         }
         coded += row;
@@ -128,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(FlateSource, FlatePredictor,
                                           testing::Values(1, 2, 4, 8, 16)));
 
 TEST(FlateSource, LinesRunThroughPredictorRowsOfAnotherLength) {
-    const std::string samples = Noise(7 * 60, 3);
+    const std::string samples = Noise(std::size_t{7} * 60, 3);
     for (const std::int32_t columns : {1, 5, 12, 420}) {
         const auto row = static_cast<std::size_t>(columns);
         std::string error;
@@ -142,7 +142,7 @@ TEST(FlateSource, LinesRunThroughPredictorRowsOfAnotherLength) {
 }
 
 TEST(FlateSource, DamagedDataGiveTheLinesBeforeTheDamage) {
-    const std::string samples = Noise(100 * 1000, 9);
+    const std::string samples = Noise(std::size_t{100} * 1000, 9);
     std::string coded = TEST::Deflate(samples);
     std::string error;
     const auto linesOf = [&](const std::string& data) {

@@ -166,8 +166,8 @@ TEST(DctSource, TruncatedDataGiveTheLinesThatTheyReachTo) {
     const LineSourcePtr source = Open(coded.substr(0, coded.size() * 6 / 10));
     ASSERT_NE(source, nullptr);
     const std::string lines = AllLines(*source);
-    EXPECT_GE(lines.size() / (3 * kWidth), 16U);
-    EXPECT_LT(lines.size() / (3 * kWidth), std::size_t{kHeight});
+    EXPECT_GE(lines.size() / (std::size_t{3} * kWidth), 16U);
+    EXPECT_LT(lines.size() / (std::size_t{3} * kWidth), std::size_t{kHeight});
     // The last row of blocks is decoded in part.
     const std::size_t whole = lines.size() - std::size_t{3} * kWidth * 17;
     EXPECT_LT(Distance(lines.substr(0, whole), samples.substr(0, whole)), 3.5);

@@ -32,7 +32,7 @@ const Art kLetter{"###..", "#..#.", "###..", "#..#.", "###.."};
 const Art kStroke{"##", "##", "##", "##", "##", "##", "##"};
 
 Art Blank(std::size_t width, std::size_t height) {
-    return Art(height, std::string(width, '.'));
+    return {height, std::string(width, '.')};
 }
 
 void Place(Art& page, const Art& symbol, int x, int y) {
@@ -240,7 +240,7 @@ std::string Text(const TextCase& text, const Art& page, int s, int t) {
         }
         if (text.isRefined && symbol == 0) {
             for (States& states : change) {
-                encoder.CodeInteger(states, &states == &change[0] ? 1 : 0);
+                encoder.CodeInteger(states, &states == change.data() ? 1 : 0);
             }
             Art wider = kLetter;
             for (std::string& row : wider) {
@@ -359,7 +359,7 @@ TEST(Jbig2Source, HalftonesPaintPatternsOnAGrid) {
     for (const std::size_t word : {3U, 2U, 0U, 0U}) {
         AppendWord(region, word);
     }
-    AppendWord(region, 4 * 256, 2);
+    AppendWord(region, std::size_t{4} * 256, 2);
     AppendWord(region, 0, 2);
     ExpectDecoded(PageSegment(expected) + Jbig2Segment(1, kPatternSegment, dictionary) +
                       Jbig2Segment(2, kHalftoneSegment, region + grays.Finish(), "\1"),

@@ -66,7 +66,7 @@ std::string PlayMasked(const Case& masked, std::string& warnings,
     pdf.Stream(20, masked.data, masked.image + common);
     pdf.Stream(21, masked.maskData, masked.mask + common);
     PdfPlay play(pdf, options);
-    const std::string calls = play.Content();
+    std::string calls = play.Content();
     warnings = play.Warnings();
     return calls;
 }
