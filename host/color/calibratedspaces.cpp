@@ -31,7 +31,9 @@ public:
                     DigestOf(family == "cgry"_cc ? "cgry" : "crgb", parameters).Identifier()),
           mFamily(family),
           mParameters(std::move(parameters)),
-          mProfile(std::move(profile)) {}
+          mProfile(std::move(profile)) {
+        SetBasis(MakeObject<SpaceBasis>(mProfile, nullptr));
+    }
 
     FourCC GetFamily() const override { return mFamily; }
 

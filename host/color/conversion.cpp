@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "host/color/functionbase.h"
+#include "host/color/profilelinks.h"
 
 namespace VANTIX::HOST {
 
@@ -66,20 +67,6 @@ std::string ReadName(cmsHPROFILE profile) {
     return name;
 }
 
-cmsUInt32Number LibraryIntent(TRenderingIntent intent) {
-    switch (intent) {
-        case TRenderingIntent::kAbsoluteColorimetric:
-            return INTENT_ABSOLUTE_COLORIMETRIC;
-        case TRenderingIntent::kRelativeColorimetric:
-            return INTENT_RELATIVE_COLORIMETRIC;
-        case TRenderingIntent::kSaturation:
-            return INTENT_SATURATION;
-        case TRenderingIntent::kPerceptual:
-            break;
-    }
-    return INTENT_PERCEPTUAL;
-}
-
 cmsHPROFILE MakeGray(cmsToneCurve* curve) {
     cmsHPROFILE profile = curve == nullptr ? nullptr : cmsCreateGrayProfile(cmsD50_xyY(), curve);
     cmsFreeToneCurve(curve);
@@ -96,6 +83,20 @@ void SetName(cmsHPROFILE profile, const char* name) {
 }
 
 }  // namespace
+
+std::uint32_t IntentNumber(TRenderingIntent intent) {
+    switch (intent) {
+        case TRenderingIntent::kAbsoluteColorimetric:
+            return INTENT_ABSOLUTE_COLORIMETRIC;
+        case TRenderingIntent::kRelativeColorimetric:
+            return INTENT_RELATIVE_COLORIMETRIC;
+        case TRenderingIntent::kSaturation:
+            return INTENT_SATURATION;
+        case TRenderingIntent::kPerceptual:
+            break;
+    }
+    return INTENT_PERCEPTUAL;
+}
 
 std::array<float, 3> AdaptWhite(const std::array<float, 3>& xyz, const std::array<float, 3>& from,
                                 const std::array<float, 3>& to) {
@@ -135,7 +136,7 @@ struct IccProfile::Transforms {
     }
 
     cmsHTRANSFORM Find(cmsHPROFILE profile, FourCC family, TRenderingIntent intent, bool to) {
-        const cmsUInt32Number number = LibraryIntent(intent);
+        const cmsUInt32Number number = IntentNumber(intent);
         Slot& slot = (to ? toPCS : fromPCS)[number];
         if (!slot.tried) {
             slot.tried = true;
@@ -157,7 +158,8 @@ IccProfile::IccProfile(void* handle)
     : mHandle(handle),
       mFamily(FindKind(handle)->family),
       mName(ReadName(handle)),
-      mTransforms(std::make_unique<Transforms>()) {}
+      mTransforms(std::make_unique<Transforms>()),
+      mLinks(std::make_unique<ProfileLinks>()) {}
 
 IccProfile::~IccProfile() {
     cmsCloseProfile(mHandle);
@@ -317,6 +319,11 @@ bool IccProfile::FromPCS(const float pcs[3], float* values, TRenderingIntent int
         }
     }
     return true;
+}
+
+bool IccProfile::ConvertLine(const std::shared_ptr<const IccProfile>& target,
+                             const COLOR::LineConversion& line) const {
+    return mLinks->Convert({mHandle, mFamily}, {target->mHandle, target->mFamily}, target, line);
 }
 
 }  // namespace VANTIX::HOST

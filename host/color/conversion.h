@@ -8,6 +8,7 @@
 #include <string>
 
 #include "core/color/colorconversion.h"
+#include "core/color/iconnectioncolorspace.h"
 #include "core/types.h"
 
 namespace VANTIX::HOST {
@@ -21,6 +22,11 @@ using Primaries = std::array<std::array<float, 3>, 3>;
 /// Adapts `xyz` from one white point to another (Bradford).
 std::array<float, 3> AdaptWhite(const std::array<float, 3>& xyz, const std::array<float, 3>& from,
                                 const std::array<float, 3>& to);
+
+/// The number of an intent (ICC.1, 7.2.15).
+std::uint32_t IntentNumber(COLOR::TRenderingIntent intent);
+
+class ProfileLinks;
 
 /// An ICC profile with its conversions to and from XYZ relative to D50, kept for each intent once
 /// they have been used. Values are in PDF form: 0 to 1, ink amounts for CMYK, L a b for Lab. Used
@@ -64,6 +70,12 @@ public:
     bool ToPCS(const float* values, float pcs[3], COLOR::TRenderingIntent intent) const;
     bool FromPCS(const float pcs[3], float* values, COLOR::TRenderingIntent intent) const;
 
+    /// Converts the samples of a line of 8 or 16 bits into `target`, in host form, without its
+    /// alpha. The result is that of `ToPCS` and `FromPCS` but for the rounding of a table. False,
+    /// with nothing written, for Lab and for profiles that cannot be linked.
+    bool ConvertLine(const std::shared_ptr<const IccProfile>& target,
+                     const COLOR::LineConversion& line) const;
+
 private:
     struct Transforms;
 
@@ -75,6 +87,7 @@ private:
     FourCC mFamily;
     std::string mName;
     std::unique_ptr<Transforms> mTransforms;
+    std::unique_ptr<ProfileLinks> mLinks;
 };
 
 }  // namespace VANTIX::HOST

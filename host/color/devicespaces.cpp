@@ -21,7 +21,14 @@ public:
         : SpaceBase(COLOR::IID_IDEVICECOLORSPACE, components, GUID{family, 0, 0, {}}),
           mFamily(family),
           mProfileForm(std::move(profileForm)),
-          mRGB(std::move(rgb)) {}
+          mRGB(std::move(rgb)) {
+        if (mProfileForm) {
+            SetBasis(TInterfacePtr<SpaceBasis>(
+                FindInterface<SpaceBasis>(mProfileForm.Get(), IID_SPACEBASIS)));
+        } else if (family == "cmyk"_cc && mRGB) {
+            SetBasis(MakeObject<SpaceBasis>(nullptr, mRGB));
+        }
+    }
 
     FourCC GetFamily() const override { return mFamily; }
 
@@ -77,6 +84,19 @@ public:
         return mProfileForm ? mProfileForm.Get() : this;
     }
 
+protected:
+    Status ConvertSamples(const COLOR::IConnectionColorSpace& target,
+                          const COLOR::LineConversion& line) const override {
+        if (mProfileForm || mFamily != "cmyk"_cc || !mRGB) {
+            return SpaceBase::ConvertSamples(target, line);
+        }
+        COLOR::LineConversion light = line;
+        InksToLight(line.source, mLight.Planes(3, line.width, line.sourceBits), line.width,
+                    line.sourceBits);
+        light.source = mLight.Filled();
+        return mRGB->ConvertLine(target, light);
+    }
+
 private:
     bool Convert(const float* values, float pcs[3], TRenderingIntent intent) const {
         if (mProfileForm) {
@@ -95,6 +115,7 @@ private:
     ColorSpacePtr mProfileForm;
     ColorSpacePtr mRGB;
     mutable LastColor mLast;
+    mutable LineRoom mLight;
 };
 
 }  // namespace

@@ -15,7 +15,9 @@ class ProfileSpace : public SpaceBase<COLOR::IProfileBasedConnectionColorSpace> 
 public:
     ProfileSpace(ProfilePtr profile, const GUID& identifier)
         : SpaceBase(COLOR::IID_IPROFILEBASEDCOLORSPACE, profile->Components(), identifier),
-          mProfile(std::move(profile)) {}
+          mProfile(std::move(profile)) {
+        SetBasis(MakeObject<SpaceBasis>(mProfile, nullptr));
+    }
 
     FourCC GetFamily() const override { return mProfile->Family(); }
 

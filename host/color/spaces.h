@@ -5,8 +5,10 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/object/tobject.h"
@@ -26,6 +28,10 @@ public:
     Status QueryInterface(const GUID& id, void** out) override {
         if (id == mKind) {
             *out = static_cast<IObject*>(this);
+            return STATUS::kOk;
+        }
+        if (id == IID_SPACEBASIS && mBasis) {
+            *out = static_cast<IObject*>(mBasis.Get());
             return STATUS::kOk;
         }
         return TObject<I>::QueryInterface(id, out);
@@ -60,20 +66,44 @@ public:
         return PixelsToPCS(*this, planes, width, bits, pcs, intent);
     }
 
-    Status LineFromPCS(const float* pcs, const std::uint8_t* alpha, std::int32_t width,
-                       std::int32_t bits, std::uint8_t* const* planes,
-                       COLOR::TRenderingIntent intent) const override {
-        return PixelsFromPCS(*this, pcs, alpha, width, bits, planes, intent);
+    Status ConvertLine(const COLOR::IConnectionColorSpace& target,
+                       const COLOR::LineConversion& line) const override {
+        try {
+            COLOR::LineConversion prepared = line;
+            const Status status = mLines.Prepare(*this, target, prepared);
+            if (status != STATUS::kOk) {
+                return status;
+            }
+            if (IsSameSpace(*this, target)) {
+                CopyLine(prepared, mComponents);
+                return STATUS::kOk;
+            }
+            return ConvertSamples(target, prepared);
+        } catch (const std::bad_alloc&) {
+            return STATUS::kOutOfMemory;
+        }
     }
 
 protected:
     SpaceBase(const GUID& kind, std::int32_t components, const GUID& identifier)
         : mKind(kind), mIdentifier(identifier), mComponents(components) {}
 
+    void SetBasis(TInterfacePtr<SpaceBasis> basis) { mBasis = std::move(basis); }
+
+    /// Converts a line of 8 or 16 bits into a space that is another one.
+    virtual Status ConvertSamples(const COLOR::IConnectionColorSpace& target,
+                                  const COLOR::LineConversion& line) const {
+        return mLines.Convert(*this, mBasis.Get(), target, line);
+    }
+
+    [[nodiscard]] LineConverter& Lines() const { return mLines; }
+
 private:
     GUID mKind;
     GUID mIdentifier;
     std::int32_t mComponents;
+    TInterfacePtr<SpaceBasis> mBasis;
+    mutable LineConverter mLines;
 };
 
 /// The colour that a space converted last. It is given back as it was when its place in the

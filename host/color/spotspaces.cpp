@@ -56,6 +56,41 @@ public:
     }
 
 protected:
+    /// A line of tints becomes one of the alternate: with the samples of the target where the two
+    /// are the same, else with enough bits for another conversion.
+    Status ConvertSamples(const IConnectionColorSpace& target,
+                          const COLOR::LineConversion& line) const override {
+        if (!HasTints() || FamilyOf(*mAlternate) == "clab"_cc) {
+            return this->Lines().ConvertPixels(*this, target, line);
+        }
+        const std::int32_t bits = IsSameSpace(*mAlternate, target) ? line.targetBits : 16;
+        const PixelMemo::Key key{mAlternate->GetIdentifier(),
+                                 this->GetComponentCount(),
+                                 mAlternate->GetComponentCount(),
+                                 line.sourceBits,
+                                 bits,
+                                 line.sourceIntent,
+                                 line.sourceIntent};
+        const auto most = static_cast<float>(MostOf(line.sourceBits));
+        const auto convert = [&](const PixelMemo::Pixel& in, std::uint16_t* out) {
+            std::array<float, COLOR::kMaxComponents> tints{};
+            std::array<float, COLOR::kMaxComponents> color{};
+            std::transform(in.begin(), in.begin() + key.from, tints.begin(),
+                           [most](std::uint16_t code) { return static_cast<float>(code) / most; });
+            mTint->Evaluate(tints.data(), color.data());
+            ToHostForm(*mTint, *mAlternate, color.data());
+            std::transform(color.begin(), color.begin() + key.to, out,
+                           [bits](float value) { return CodeOf(value, bits); });
+            return true;
+        };
+        ConvertByMemo(mTints, key, line.source, mRoom.Planes(key.to, line.width, bits), line.width,
+                      convert);
+        COLOR::LineConversion alternate = line;
+        alternate.source = mRoom.Filled();
+        alternate.sourceBits = bits;
+        return mAlternate->ConvertLine(target, alternate);
+    }
+
     SpotSpace(const GUID& kind, std::int32_t components, const GUID& identifier,
               ColorSpacePtr alternate, FunctionPtr tint)
         : SpaceBase<I>(kind, components, identifier),
@@ -63,8 +98,16 @@ protected:
           mTint(std::move(tint)) {}
 
 private:
+    /// Whether tints become a colour of the alternate by the function.
+    [[nodiscard]] bool HasTints() const {
+        return mTint && !IsNone(mAlternate) && !IsRegistration(mAlternate) &&
+               mTint->GetOutputCount() == mAlternate->GetComponentCount();
+    }
+
     ColorSpacePtr mAlternate;
     FunctionPtr mTint;
+    mutable PixelMemo mTints;
+    mutable LineRoom mRoom;
 };
 
 class SeparationSpace : public SpotSpace<COLOR::ISeparationConnectionColorSpace> {
@@ -143,6 +186,12 @@ public:
     }
 
     bool StoresComponentsInverted() const override { return mDevice->StoresComponentsInverted(); }
+
+protected:
+    Status ConvertSamples(const IConnectionColorSpace& target,
+                          const COLOR::LineConversion& line) const override {
+        return mDevice->ConvertLine(target, line);
+    }
 
 private:
     ColorSpacePtr mDevice;

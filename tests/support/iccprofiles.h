@@ -15,11 +15,13 @@ namespace VANTIX::TEST {
 /// Writes small ICC profiles of version 2 (ICC.1:2001-04), tag by tag.
 class ProfileBuilder {
 public:
-    ProfileBuilder(std::string_view deviceClass, std::string_view space, std::string_view pcs)
+    /// `name` is of four characters.
+    ProfileBuilder(std::string_view deviceClass, std::string_view space, std::string_view pcs,
+                   std::string_view name = "Test")
         : mClass(deviceClass), mSpace(space), mPCS(pcs) {
         Tag("wtpt", "XYZ ", {}).Fixed({0.9642, 1.0, 0.8249});
-        Tag("desc", "desc", {0, 0, 0, 5, 'T', 'e', 's', 't', 0});
-        Bytes(std::vector<std::uint8_t>(78));
+        Tag("desc", "desc", {0, 0, 0, 5}).Bytes({name.begin(), name.end()});
+        Bytes(std::vector<std::uint8_t>(79));
     }
 
     ProfileBuilder& Gamma(std::string_view tag, double gamma) {
@@ -37,28 +39,16 @@ public:
     template <class Sampler>
     ProfileBuilder& Table(std::string_view tag, std::size_t inputs, std::size_t grid,
                           Sampler sampler) {
-        Tag(tag, "mft1",
-            {static_cast<std::uint8_t>(inputs), 3, static_cast<std::uint8_t>(grid), 0});
-        Fixed({1, 0, 0, 0, 1, 0, 0, 0, 1});
-        Ramps(inputs);
-        std::size_t points = 1;
-        for (std::size_t i = 0; i < inputs; ++i) {
-            points *= grid;
-        }
-        for (std::size_t point = 0; point < points; ++point) {
-            std::vector<double> values(inputs);
-            std::size_t rest = point;
-            for (std::size_t i = inputs; i-- > 0; rest /= grid) {
-                values[i] = static_cast<double>(rest % grid) / static_cast<double>(grid - 1);
-            }
+        return ByteTable(tag, inputs, 3, grid, [&sampler](const std::vector<double>& values) {
             const std::array<double, 3> lab = sampler(values);
-            for (const double v : {lab[0] * 2.55, lab[1] + 128, lab[2] + 128}) {
-                mTags.back().second.push_back(
-                    static_cast<std::uint8_t>(std::lround(std::clamp(v, 0.0, 255.0))));
-            }
-        }
-        Ramps(3);
-        return *this;
+            return std::vector<double>{lab[0] / 100, (lab[1] + 128) / 255, (lab[2] + 128) / 255};
+        });
+    }
+
+    /// A table from L a b, each as 0 to 1, to four inks.
+    template <class Sampler>
+    ProfileBuilder& InkTable(std::string_view tag, std::size_t grid, Sampler sampler) {
+        return ByteTable(tag, 3, 4, grid, sampler);
     }
 
     std::vector<std::uint8_t> Build() const {
@@ -94,6 +84,32 @@ public:
     }
 
 private:
+    template <class Sampler>
+    ProfileBuilder& ByteTable(std::string_view tag, std::size_t inputs, std::size_t outputs,
+                              std::size_t grid, Sampler sampler) {
+        Tag(tag, "mft1",
+            {static_cast<std::uint8_t>(inputs), static_cast<std::uint8_t>(outputs),
+             static_cast<std::uint8_t>(grid), 0});
+        Fixed({1, 0, 0, 0, 1, 0, 0, 0, 1});
+        Ramps(inputs);
+        std::size_t points = 1;
+        for (std::size_t i = 0; i < inputs; ++i) {
+            points *= grid;
+        }
+        for (std::size_t point = 0; point < points; ++point) {
+            std::vector<double> values(inputs);
+            std::size_t rest = point;
+            for (std::size_t i = inputs; i-- > 0; rest /= grid) {
+                values[i] = static_cast<double>(rest % grid) / static_cast<double>(grid - 1);
+            }
+            for (const double v : sampler(values)) {
+                mTags.back().second.push_back(
+                    static_cast<std::uint8_t>(std::lround(255 * std::clamp(v, 0.0, 1.0))));
+            }
+        }
+        return Ramps(outputs);
+    }
+
     static void Word(std::vector<std::uint8_t>& out, std::size_t value) {
         for (const unsigned shift : {24U, 16U, 8U, 0U}) {
             out.push_back(static_cast<std::uint8_t>(value >> shift));
@@ -159,6 +175,28 @@ inline std::vector<std::uint8_t> InkProfile() {
                        100 * light * (1 - 0.3 * ink[0] - 0.4 * ink[1] - 0.1 * ink[2]),
                        40 * light * (ink[1] - ink[0]), 50 * light * (ink[2] - 0.5 * ink[0])};
                })
+        .Build();
+}
+
+/// Four inks with tables for both directions: complements of linear light with a little gain.
+inline std::vector<std::uint8_t> PressProfile() {
+    return ProfileBuilder("prtr", "CMYK", "Lab ", "Inks")
+        .Table("A2B0", 4, 5,
+               [](const std::vector<double>& ink) {
+                   const double light = 1 - 0.8 * ink[3];
+                   return std::array<double, 3>{
+                       100 * light * (1 - 0.3 * ink[0] - 0.4 * ink[1] - 0.1 * ink[2]),
+                       20 * light * (ink[1] - ink[0]), 25 * light * (ink[2] - 0.5 * ink[0])};
+               })
+        .InkTable("B2A0", 9,
+                  [](const std::vector<double>& lab) {
+                      const double a = 255 * lab[1] - 128;
+                      const double b = 255 * lab[2] - 128;
+                      const double dark = 1 - lab[0];
+                      return std::vector<double>{dark * 0.6 - a / 300 - b / 400,
+                                                 dark * 0.5 + a / 200, dark * 0.5 + b / 200,
+                                                 dark * dark * 0.7};
+                  })
         .Build();
 }
 

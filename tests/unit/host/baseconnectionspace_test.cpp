@@ -52,9 +52,8 @@ public:
         return STATUS::kNotSupported;
     }
 
-    Status LineFromPCS(const float* /*pcs*/, const std::uint8_t* /*alpha*/, std::int32_t /*width*/,
-                       std::int32_t /*bits*/, std::uint8_t* const* /*planes*/,
-                       COLOR::TRenderingIntent /*intent*/) const override {
+    Status ConvertLine(const COLOR::IConnectionColorSpace& /*target*/,
+                       const COLOR::LineConversion& /*line*/) const override {
         return STATUS::kNotSupported;
     }
 };

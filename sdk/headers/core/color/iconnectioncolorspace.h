@@ -20,6 +20,28 @@ inline constexpr GUID IID_IINDEXEDCOLORSPACE = "BBAB42DE-761C-40FB-96F1-AF711DBF
 inline constexpr GUID IID_IREGISTRATIONCOLORSPACE = "29924039-DBB9-4F3E-8C4E-C9733310923B"_guid;
 inline constexpr GUID IID_INONECOLORSPACE = "C628DCAD-5D0F-456F-AC10-C6E14B15AE47"_guid;
 
+class IConnectionColorSpace;
+
+/// A line of pixels on its way from one space into another. All memory is borrowed.
+struct LineConversion {
+    /// One plane for each component, in host form; a null plane reads as zeros.
+    const std::uint8_t* const* source = nullptr;
+    /// 8, or 16 (native words); for a space of one component 1, 2 and 4 as well.
+    std::int32_t sourceBits = 8;
+    std::int32_t width = 0;
+    /// Opacity that is composited over white, of `alphaBits` 1, 2, 4, 8 or 16; null: none.
+    const std::uint8_t* alpha = nullptr;
+    std::int32_t alphaBits = 8;
+    /// One plane for each component of the space that is converted into.
+    std::uint8_t* const* target = nullptr;
+    /// 8 or 16.
+    std::int32_t targetBits = 8;
+    /// Room to work in: three floats a pixel.
+    float* pcs = nullptr;
+    TRenderingIntent sourceIntent{};
+    TRenderingIntent targetIntent{};
+};
+
 /// A colour space of the host. It answers exactly one kind by `QueryInterface`. Values are in host
 /// form: CMYK as complements of ink amounts (1 is no ink), tints as ink amounts, Lab as L a b,
 /// everything else as in PDF.
@@ -63,11 +85,10 @@ public:
     virtual Status LineToPCS(const std::uint8_t* const* planes, std::int32_t width,
                              std::int32_t bits, float* pcs, TRenderingIntent intent) const = 0;
 
-    /// The way back into planes of `bits` 8 or 16. `alpha` is a line of the same depth that is
-    /// composited over white, or null. 0, or the failing status.
-    virtual Status LineFromPCS(const float* pcs, const std::uint8_t* alpha, std::int32_t width,
-                               std::int32_t bits, std::uint8_t* const* planes,
-                               TRenderingIntent intent) const = 0;
+    /// Converts a line of this space into `target`, a space that colours can be converted into, by
+    /// way of the connection colour. 0, or the failing status.
+    virtual Status ConvertLine(const IConnectionColorSpace& target,
+                               const LineConversion& line) const = 0;
 };
 
 /// DeviceGray, DeviceRGB or DeviceCMYK.
