@@ -2,9 +2,11 @@
 #include "connectionspacedelegatefactory.h"
 
 #include "asiscompositeconnectionspacedelegate/asiscompositeconnectionspacedelegate.h"
+#include "cmykcompositeconnectionspacedelegate/cmykcompositeconnectionspacedelegate.h"
 #include "core/color/iconnectioncolorspacefactory.h"
 #include "core/io/idictionary.h"
 #include "core/libsupport/vlogger/logmessage.h"
+#include "devicenconnectionspacedelegate/devicenconnectionspacedelegate.h"
 #include "postscriptconnectionspace/policykeys.h"
 
 namespace VANTIX::RENDERING {
@@ -42,7 +44,31 @@ std::uint32_t ReadOptions(const IO::IDictionary* options) {
 
 /// Whether the model is one that this build has no delegate for.
 bool IsMissing(TDelegateType type) {
-    return (type >= TDelegateType::kDeviceGray && type <= TDelegateType::kManagedCMYK) ||
+    return type >= TDelegateType::kDeviceGray && type <= TDelegateType::kManagedRGB;
+}
+
+/// A delegate on DeviceCMYK.
+IConnectionSpaceDelegate* CreateInkDelegate(IClassFactory& factory, TDelegateType type,
+                                            COLOR::IConnectionColorSpace* cmyk,
+                                            std::uint32_t options) {
+    switch (type) {
+        case TDelegateType::kCMYK:
+            return new CMYKCompositeConnectionSpaceDelegate(
+                factory, cmyk, options | DELEGATEOPTION::kConvertSpotsToProcess);
+        case TDelegateType::kManagedCMYK:
+            return new ColorManagedCMYKCompositeConnectionSpaceDelegate(
+                factory, cmyk, options | DELEGATEOPTION::kConvertSpotsToProcess);
+        case TDelegateType::kDeviceN:
+            return CreateDeviceNConnectionSpaceDelegate(factory, cmyk, options);
+        case TDelegateType::kManagedDeviceN:
+            return CreateColorManagedDeviceNConnectionSpaceDelegate(factory, cmyk, options);
+        default:
+            return nullptr;
+    }
+}
+
+bool IsInkModel(TDelegateType type) {
+    return type == TDelegateType::kCMYK || type == TDelegateType::kManagedCMYK ||
            type == TDelegateType::kDeviceN || type == TDelegateType::kManagedDeviceN;
 }
 
@@ -65,6 +91,11 @@ IConnectionSpaceDelegate* ConnectionSpaceDelegateFactory::CreateConnectionSpaceD
         LogError(kModule) << "There is no delegate of type " << static_cast<std::int32_t>(type)
                           << ".";
         return nullptr;
+    }
+    if (IsInkModel(type)) {
+        const auto cmyk = TInterfacePtr<COLOR::IConnectionColorSpace>::Adopt(
+            spaces->CreateDeviceCMYKColorSpace());
+        return CreateInkDelegate(factory, type, cmyk.Get(), word);
     }
     if (type == TDelegateType::kAsIsProcess || type == TDelegateType::kAsIsProcess2) {
         word |= DELEGATEOPTION::kConvertSpotsToProcess;

@@ -31,9 +31,6 @@ public:
                              float height) override;
 
 private:
-    /// What the colorants of an image in process colours and spots are put together of.
-    struct Colorants;
-
     using BaseConnectionSpaceDelegate::InjectRaster;
     void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
                       float height, const SpotChannels& spots);

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "asiscompositeconnectionspacedelegate/asiscompositeconnectionspacedelegate.h"
+#include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 
@@ -18,20 +19,6 @@ constexpr float kD50[3] = {0.9642F, 1.0F, 0.8249F};
 
 void LogUnhandledSpace() {
     LogError(kModule) << "This type of Input ConnectionColorSpace has not been handled yet.";
-}
-
-COLOR::ISeparationConnectionColorSpace* AsSeparation(IConnectionColorSpace* space) {
-    return FindInterface<COLOR::ISeparationConnectionColorSpace>(space,
-                                                                 COLOR::IID_ISEPARATIONCOLORSPACE);
-}
-
-COLOR::IDeviceNConnectionColorSpace* AsDeviceN(IConnectionColorSpace* space) {
-    return FindInterface<COLOR::IDeviceNConnectionColorSpace>(space, COLOR::IID_IDEVICENCOLORSPACE);
-}
-
-COLOR::ICalibratedConnectionColorSpace* AsCalibrated(IConnectionColorSpace* space) {
-    return FindInterface<COLOR::ICalibratedConnectionColorSpace>(space,
-                                                                 COLOR::IID_ICALIBRATEDCOLORSPACE);
 }
 
 /// True for the alternates that stand for plates instead of a colour.

@@ -5,6 +5,7 @@
 #include "asiscompositeconnectionspacedelegate/asiscompositeconnectionspacedelegate.h"
 #include "asiscompositeconnectionspacedelegate/calibratedtexts.h"
 #include "baseconnectionspacedelegate/palettes.h"
+#include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/color/iconnectioncolorspacefactory.h"
 #include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/io/ioutputfilterstack.h"
@@ -49,20 +50,6 @@ const FamilyImage* FindFamilyImage(FourCC family) {
 
 bool Offers(IConnectionColorSpace* space, const GUID& kind) {
     return FindInterface<IObject>(space, kind) != nullptr;
-}
-
-bool IsSpotSpace(IConnectionColorSpace* space) {
-    return Offers(space, COLOR::IID_ISEPARATIONCOLORSPACE) ||
-           Offers(space, COLOR::IID_IDEVICENCOLORSPACE);
-}
-
-COLOR::ICalibratedConnectionColorSpace* AsCalibrated(IConnectionColorSpace* space) {
-    return FindInterface<COLOR::ICalibratedConnectionColorSpace>(space,
-                                                                 COLOR::IID_ICALIBRATEDCOLORSPACE);
-}
-
-COLOR::IIndexedConnectionColorSpace* AsIndexed(IConnectionColorSpace* space) {
-    return FindInterface<COLOR::IIndexedConnectionColorSpace>(space, COLOR::IID_IINDEXEDCOLORSPACE);
 }
 
 void LogUnsupportedCount(const IRasterComponent& raster) {
@@ -127,7 +114,9 @@ void AsIsCompositeConnectionSpaceDelegate::DrawInDeviceN(IRasterComponent& raste
                                   (mSoftMasks ? DELEGATEOPTION::kSoftMasks : 0) |
                                   (mLanguageLevel == 2 ? DELEGATEOPTION::kLevel2 : 0);
     const auto delegate = TInterfacePtr<IConnectionSpaceDelegate>::Adopt(
-        CreateDeviceNConnectionSpaceDelegate(*mFactory, cmyk.Get(), options, mEmbedProfiles));
+        mEmbedProfiles
+            ? CreateColorManagedDeviceNConnectionSpaceDelegate(*mFactory, cmyk.Get(), options)
+            : CreateDeviceNConnectionSpaceDelegate(*mFactory, cmyk.Get(), options));
     if (!delegate) {
         LogError(kModule) << "CreateDeviceNConnectionSpaceDelegate failed!";
         return;
@@ -189,7 +178,8 @@ void AsIsCompositeConnectionSpaceDelegate::InjectFamilyRaster(IRasterComponent& 
     const FamilyImage* image = FindFamilyImage(family);
     if (image == nullptr || (family == "rgb "_cc && raster.GetPrimaryCount() != 3)) {
         LogUnsupportedCount(raster);
-    } else if (BeginImage(raster, image->space, image->decode)) {
+    } else if (HasImageData(raster, image->channels) &&
+               BeginImage(raster, image->space, image->decode)) {
         WriteImageData(raster, image->channels, raster.GetBitsPerSample(), raster.GetWidth());
     }
 }
@@ -200,7 +190,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectSpotSpaceRaster(IRasterComponen
     if (AppendSpotSpace(colour, *raster.GetColorSpace(), count, mEmbedProfiles)) {
         const bool isSeparation = Offers(raster.GetColorSpace(), COLOR::IID_ISEPARATIONCOLORSPACE);
         const std::string decode = isSeparation ? "[0 1]" : PlainDecode(count);
-        if (BeginImage(raster, colour, decode.c_str())) {
+        if (HasImageData(raster) && BeginImage(raster, colour, decode.c_str())) {
             WriteImageData(raster);
         }
     }
@@ -227,7 +217,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectEmbeddedProfiledBasedRaster(
     const FamilyImage* image = FindFamilyImage(family);
     if (image == nullptr) {
         LogUnsupportedCount(raster);
-    } else if (BeginImage(raster, mResourceName, image->embeddedDecode)) {
+    } else if (HasImageData(raster) && BeginImage(raster, mResourceName, image->embeddedDecode)) {
         WriteImageData(raster);
     }
 }
@@ -253,7 +243,8 @@ void AsIsCompositeConnectionSpaceDelegate::WriteCalibratedColour(IRasterComponen
     const bool isGray = family == "cgry"_cc;
     const std::int32_t depth = raster.GetBitsPerSample();
     PS::IPostScriptOutputContext* out = OutputContext();
-    if (!BeginImage(raster, colour.View(), isGray ? "[0 1]" : "[0 1 0 1 0 1]")) {
+    if (!HasImageData(raster, isGray ? 1 : 3) ||
+        !BeginImage(raster, colour.View(), isGray ? "[0 1]" : "[0 1 0 1 0 1]")) {
         return;
     }
     if (family == "clab"_cc) {
@@ -298,7 +289,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectSingleChannelRGB(IRasterCompone
     }
     std::string colour = "[/Indexed /DeviceRGB 255 <\n";
     AppendPalette(colour, {table.data(), kEntries, 3, false});
-    if (BeginImage(raster, colour, "[0 255]")) {
+    if (HasImageData(raster, 1) && BeginImage(raster, colour, "[0 255]")) {
         WriteImageData(raster, 1, raster.GetBitsPerSample(), raster.GetWidth());
     }
 }
@@ -306,8 +297,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectSingleChannelRGB(IRasterCompone
 void AsIsCompositeConnectionSpaceDelegate::InjectIndexedImage(
     IRasterComponent& raster, float x, float y, float width, float height,
     COLOR::IIndexedConnectionColorSpace* indexed) {
-    const bool imagemask =
-        !mJawsWorkaround && raster.GetBitsPerSample() == 1 && HasMaskChannel(raster);
+    const bool imagemask = BecomesImageMask(raster);
     if (mEmbedProfiles && indexed != nullptr) {
         InjectEmbeddedIndexedImage(raster, *indexed, imagemask);
     } else {

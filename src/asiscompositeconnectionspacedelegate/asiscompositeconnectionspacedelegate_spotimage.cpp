@@ -3,13 +3,16 @@
 // colorants over one another.
 #include <algorithm>
 #include <array>
+#include <span>
+#include <string_view>
 #include <vector>
 
 #include "asiscompositeconnectionspacedelegate/asiscompositeconnectionspacedelegate.h"
+#include "baseconnectionspacedelegate/colorants.h"
+#include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/color/iconnectioncolorspacefactory.h"
 #include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
-#include "postscriptconnectionspace/textbuffer.h"
 #include "postscriptdatastream/workbuffer.h"
 
 namespace VANTIX::RENDERING {
@@ -24,32 +27,12 @@ using GRAPHICS::HELPER::GetOwnFamily;
 
 constexpr const char* kModule = "src/asiscompositeconnectionspacedelegate";
 
-constexpr std::int32_t kSpaceTextBytes = 16384;
-
-constexpr const char* kProcessInks[] = {"Cyan", "Magenta", "Yellow", "Black"};
-constexpr const char* kProcessLights[] = {"Red", "Green", "Blue"};
-
-/// Prints a colorant over c m y k; its tint lies below them.
-constexpr const char* kOverInks =
-    "\n5 -1 roll dup 5 index 1.0 exch sub mul %.8g\nmul 6 -1 roll add exch "
-    "dup 5 index 1.0 exch sub mul %.8g\nmul 6 -1 roll add exch "
-    "dup 5 index 1.0 exch sub mul %.8g\nmul 6 -1 roll add exch "
-    "4 index 1.0 exch sub mul %.8g\nmul 5 -1 roll add\n";
-
-/// Takes what a colorant absorbs from r g b; its tint lies below them.
-constexpr const char* kOverLights =
-    "4 -1 roll\n"
-    "dup %.8g mul 5 -1 roll dup 1 exch sub 3 -2 roll mul add 1 exch sub exch\n"
-    "dup %.8g mul 5 -1 roll dup 1 exch sub 3 -2 roll mul add 1 exch sub exch\n"
-    "%.8g mul 4 -1 roll dup 1 exch sub 3 -2 roll mul add 1 exch sub\n";
-
 /// Pixels of a palette's colours followed by spot samples.
 class ExpandedLine {
 public:
     /// False (logged) for a raster that lacks something.
     bool Gather(IRasterComponent& raster) {
-        auto* indexed = FindInterface<COLOR::IIndexedConnectionColorSpace>(
-            raster.GetColorSpace(), COLOR::IID_IINDEXEDCOLORSPACE);
+        auto* indexed = AsIndexed(raster.GetColorSpace());
         for (std::int32_t i = 0; i < raster.GetPrimaryCount(); ++i) {
             if (!Add(raster.GetPrimary(i), i, "primary")) {
                 return false;
@@ -133,54 +116,21 @@ private:
     bool mIsIndexAbsent = false;
 };
 
+/// Adds the process colorants that the raster has; all of them for an Indexed one.
+void AddProcess(const IRasterComponent& raster, std::span<const std::string_view> names,
+                Colorants& colorants) {
+    std::uint64_t mask = 0;
+    const bool isIndexed =
+        FindInterface<IObject>(raster.GetColorSpace(), COLOR::IID_IINDEXEDCOLORSPACE) != nullptr;
+    const bool hasMask = !isIndexed && raster.GetChannelMask(mask);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (!hasMask || (mask >> i & 1U) != 0) {
+            colorants.AddUnit(names[i], " 0 1", i);
+        }
+    }
+}
+
 }  // namespace
-
-struct AsIsCompositeConnectionSpaceDelegate::Colorants {
-    PS::TextBuffer names{1024};
-    std::string decode = "[";
-    /// What full tint leaves on paper: ink amounts, or light absorbed.
-    std::vector<std::array<float, 4>> amounts{};
-
-    Colorants() { names.Append("["); }
-
-    void Add(std::string_view name, const char* range, const std::array<float, 4>& amount) {
-        names.AppendString(name);
-        decode += range;
-        amounts.push_back(amount);
-    }
-
-    /// The process colorants of the raster; all of them for an Indexed one.
-    void AddProcess(const IRasterComponent& raster, const char* const* processNames,
-                    std::size_t count) {
-        std::uint64_t mask = 0;
-        const bool isIndexed = FindInterface<IObject>(raster.GetColorSpace(),
-                                                      COLOR::IID_IINDEXEDCOLORSPACE) != nullptr;
-        const bool hasMask = !isIndexed && raster.GetChannelMask(mask);
-        for (std::size_t i = 0; i < count; ++i) {
-            if (!hasMask || (mask >> i & 1U) != 0) {
-                std::array<float, 4> unit{};
-                unit[i] = 1;
-                Add(processNames[i], " 0 1", unit);
-            }
-        }
-    }
-
-    /// The procedure from all tints to `outputs` components. Each snippet takes the topmost tint,
-    /// so the last colorant's comes first.
-    [[nodiscard]] PS::TextBuffer Program(std::size_t outputs) const {
-        PS::TextBuffer text;
-        text.Append(outputs == 4 ? "0.0 0.0 0.0 0.0 " : "1 1 1\n");
-        for (std::size_t i = amounts.size(); i-- > 0;) {
-            const auto& [a, b, c, d] = amounts[i];
-            if (outputs == 4) {
-                text.Format(kOverInks, a, b, c, d);
-            } else {
-                text.Format(kOverLights, a, b, c);
-            }
-        }
-        return text;
-    }
-};
 
 void AsIsCompositeConnectionSpaceDelegate::AddSpots(const SpotChannels& spots,
                                                     IConnectionColorSpace& target,
@@ -208,41 +158,12 @@ void AsIsCompositeConnectionSpaceDelegate::WriteColorantImage(IRasterComponent& 
                                                               const Colorants& colorants,
                                                               IConnectionColorSpace& alternate) {
     PS::IPostScriptOutputContext* out = OutputContext();
-    const auto functions =
-        CreateObject<COLOR::IColorFunctionFactory>(mFactory, COLOR::CLSID_COLORFUNCTIONFACTORY);
-    if (!functions) {
-        LogError(kModule) << "Could not create colour function factory.";
+    std::string colour;
+    if (out == nullptr || !AppendColorantSpace(colour, colorants, alternate, mEmbedProfiles)) {
         return;
     }
-    PS::WorkBuffer<char> space(kSpaceTextBytes);
-    if (out == nullptr || space.Data() == nullptr) {
-        LogError(kModule) << "Insufficient mem to create buffer of " << kSpaceTextBytes
-                          << " bytes.";
-        return;
-    }
-    const std::size_t outputs = GetOwnFamily(&alternate) == "cmyk"_cc ? 4 : 3;
-    const std::size_t inputs = colorants.amounts.size();
-    std::vector<float> units;
-    for (std::size_t i = 0; i < std::max(inputs, outputs); ++i) {
-        units.insert(units.end(), {0, 1});
-    }
-    const std::string program(colorants.Program(outputs).View());
-    const auto tint =
-        TInterfacePtr<COLOR::IColorFunction>::Adopt(functions->CreateCalculatorFunction(
-            program.c_str(), units.data(), static_cast<std::int32_t>(inputs), units.data(),
-            static_cast<std::int32_t>(outputs)));
-    const std::int32_t length =
-        tint ? out->WriteAlternativeColorSpaceAndTintTransformProcToBuffer(
-                   &alternate, tint.Get(), space.Data(), kSpaceTextBytes, mEmbedProfiles)
-             : 0;
-    if (length <= 0) {
-        return;
-    }
-    std::string colour = "[/DeviceN ";
-    colour.append(colorants.names.View()).append("] ");
-    colour.append(space.Data(), static_cast<std::size_t>(length)).append("] \n");
     const std::int32_t depth = raster.GetBitsPerSample();
-    const std::string decode = colorants.decode + "] ";
+    const std::string decode = "[" + colorants.decode + "] ";
     out->WriteImageDictionary(raster.GetWidth(), raster.GetHeight(), depth > 9 ? 12 : depth,
                               colour.data(), static_cast<std::int32_t>(colour.size()),
                               decode.c_str(), false);
@@ -256,13 +177,12 @@ void AsIsCompositeConnectionSpaceDelegate::WriteColorantImage(IRasterComponent& 
 void AsIsCompositeConnectionSpaceDelegate::InjectCMYKPlusSpotRaster(
     IRasterComponent& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
     const SpotChannels& spots, IConnectionColorSpace* space) {
-    const auto* indexed = FindInterface<COLOR::IIndexedConnectionColorSpace>(
-        raster.GetColorSpace(), COLOR::IID_IINDEXEDCOLORSPACE);
+    const auto* indexed = AsIndexed(raster.GetColorSpace());
     Colorants colorants;
     if (indexed != nullptr && GetOwnFamily(indexed->GetBaseSpace()) == "gray"_cc) {
-        colorants.Add("Black", " 0 1", {0, 0, 0, 1});
+        colorants.AddUnit("Black", " 0 1", 3);
     } else {
-        colorants.AddProcess(raster, kProcessInks, std::size(kProcessInks));
+        AddProcess(raster, Colorants::kProcessInks, colorants);
     }
     AddSpots(spots, *space, colorants);
     WriteColorantImage(raster, colorants, *space);
@@ -272,7 +192,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectRGBPlusSpotRaster(
     IRasterComponent& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
     const SpotChannels& spots, IConnectionColorSpace* space) {
     Colorants colorants;
-    colorants.AddProcess(raster, kProcessLights, std::size(kProcessLights));
+    AddProcess(raster, Colorants::kProcessLights, colorants);
     AddSpots(spots, *space, colorants);
     WriteColorantImage(raster, colorants, *space);
 }
@@ -282,8 +202,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectIndexedPlusSpotRaster(IRasterCo
                                                                        float width, float height,
                                                                        const SpotChannels& spots) {
     LogError(kModule) << "Incomplete handling.";
-    const auto* indexed = FindInterface<COLOR::IIndexedConnectionColorSpace>(
-        raster.GetColorSpace(), COLOR::IID_IINDEXEDCOLORSPACE);
+    const auto* indexed = AsIndexed(raster.GetColorSpace());
     const FourCC family = indexed == nullptr ? 0 : GetOwnFamily(indexed->GetBaseSpace());
     const auto colors = CreateObject<COLOR::IConnectionColorSpaceFactory>(
         mFactory, COLOR::IID_ICONNECTIONCOLORSPACEFACTORY);

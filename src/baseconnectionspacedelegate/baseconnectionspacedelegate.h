@@ -33,6 +33,8 @@ struct ColorValues {
     void Complement();
 };
 
+struct Colorants;
+
 /// What all colour delegates share. It finds the output context by asking itself; without one an
 /// operation is logged and fails. The class factory outlives it and is not referenced.
 class BaseConnectionSpaceDelegate : public TObject<IConnectionSpaceDelegate> {
@@ -111,6 +113,13 @@ protected:
     [[nodiscard]] std::optional<ColorValues> CurrentColor(
         bool fill, const COLOR::IConnectionColorSpace& space) const;
 
+    /// A colour of `source` converted by the host into one of `destination`, both in host form.
+    /// Nothing when the host cannot.
+    static std::optional<ColorValues> ConvertByHost(
+        const COLOR::IConnectionColorSpace& source, const COLOR::IConnectionColorSpace& destination,
+        const float* values, std::int32_t count,
+        const std::pair<COLOR::TRenderingIntent, COLOR::TRenderingIntent>& intents);
+
     /// Selects the device space `key`, or Registration or None where `space` is one of them.
     bool SetDeviceColorSpaceByKey(COLOR::IConnectionColorSpace* space, FourCC key);
 
@@ -147,6 +156,9 @@ protected:
     /// `shading` as one of the seven types; null (logged) when it is none of them.
     static TypedShading FindShading(COLOR::IConnectionColorSpace* shading);
 
+    /// Writes a shading (null: nothing) with its colours converted into the destination space.
+    void FillConverted(COLOR::IConnectionColorSpace* shading, bool paint);
+
     /// Lets the output context write the shading's dictionary with its colours converted into
     /// `destination` (null: kept); false when it did not complete it.
     bool WriteShadingDictionary(const TypedShading& shading,
@@ -166,10 +178,22 @@ protected:
     /// The extra channels of type "SPOT" (borrowed).
     static SpotChannels FindSpotChannels(const GRAPHICS::IRasterComponent& raster);
 
+    using MissingPlaneLog = void (*)(std::int32_t line, std::size_t channel);
+
+    /// Whether `WriteImageData` has something to write: false (logged) for a raster without
+    /// primaries, with one that is there but has no data, or of a depth that is not supported. No
+    /// image may be begun then.
+    [[nodiscard]] static bool HasImageData(const GRAPHICS::IRasterComponent& raster,
+                                           std::int32_t channels,
+                                           MissingPlaneLog logMissing = nullptr);
+    /// The same of all primaries and all spot channels.
+    [[nodiscard]] static bool HasImageData(const GRAPHICS::IRasterComponent& raster);
     /// Writes 1, 3 or 4 primaries, pixel-interleaved, as the data of the image just begun. Words
-    /// of 16 bits are reduced to 12.
+    /// of 16 bits are reduced to 12. A missing line ends the image; `logMissing` says so in other
+    /// words than the usual ones.
     void WriteImageData(GRAPHICS::IRasterComponent& raster, std::int32_t channels,
-                        std::int32_t depth, std::int32_t width);
+                        std::int32_t depth, std::int32_t width,
+                        MissingPlaneLog logMissing = nullptr);
     /// Writes all primaries and all spot channels, pixel-interleaved; four primaries are
     /// complemented.
     void WriteImageData(GRAPHICS::IRasterComponent& raster);
@@ -196,8 +220,18 @@ protected:
     /// Appends the array of a Separation or DeviceN space; false (logged) for any other.
     bool AppendSpotSpace(std::string& out, COLOR::IConnectionColorSpace& space, std::int32_t& count,
                          bool colourManaged);
+    /// Appends "[/DeviceN [[(Cyan)…] alternate {tint}] " for colorants that are printed over one
+    /// another; false (logged) when it cannot.
+    bool AppendColorantSpace(std::string& out, const Colorants& colorants,
+                             COLOR::IConnectionColorSpace& alternate, bool colourManaged);
     /// Whether `raster`'s extra channel 0 has data that is not fully opaque.
     static bool HasMaskChannel(const GRAPHICS::IRasterComponent& raster);
+
+    /// Whether an Indexed raster is the shape of an image mask: of one bit, with a mask channel
+    /// that is not written as an image of its own.
+    [[nodiscard]] bool BecomesImageMask(const GRAPHICS::IRasterComponent& raster) const {
+        return !mJawsWorkaround && raster.GetBitsPerSample() == 1 && HasMaskChannel(raster);
+    }
 
     /// Writes a gray raster in an alternate space: not possible; always 72 (logged).
     static Status InjectGreyscaleImageInAlternateColorSpace(GRAPHICS::IRasterComponent& raster,

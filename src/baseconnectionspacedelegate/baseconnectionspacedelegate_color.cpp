@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "baseconnectionspacedelegate/baseconnectionspacedelegate.h"
+#include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "platform/uniqueid.h"
@@ -22,36 +23,12 @@ constexpr const char* kModule = "src/baseconnectionspacedelegate";
 constexpr const char* kMissingColorantMessage =
     " colour space is missing the special color name (SPOT COLOR NAME).";
 
-/// A colour of `source` in host form converted by the host into one of `destination`, in host form.
-std::optional<ColorValues> ConvertByHost(
-    const IConnectionColorSpace& source, const IConnectionColorSpace& destination,
-    const float* values, std::int32_t count,
-    const std::pair<TRenderingIntent, TRenderingIntent>& intents) {
-    const std::int32_t from = source.GetComponentCount();
-    ColorValues result;
-    result.count = destination.GetComponentCount();
-    if (from > COLOR::kMaxComponents || result.count > COLOR::kMaxComponents) {
-        return std::nullopt;
-    }
-    // A caller's colour may be shorter than the space wants.
-    ColorValues whole;
-    std::copy_n(values, std::clamp(count, 0, from), whole.values);
-    float pcs[3];
-    if (!source.ToPCS(whole.values, pcs, intents.first) ||
-        !destination.FromPCS(pcs, result.values, intents.second)) {
-        return std::nullopt;
-    }
-    return result;
-}
-
 /// The only colorant of a Separation, or of a DeviceN with one; null for every other space.
 const CoreString* SingleColorant(IConnectionColorSpace* space) {
-    if (const auto* separation = FindInterface<COLOR::ISeparationConnectionColorSpace>(
-            space, COLOR::IID_ISEPARATIONCOLORSPACE)) {
+    if (const auto* separation = AsSeparation(space)) {
         return separation->GetColorantName();
     }
-    const auto* deviceN =
-        FindInterface<COLOR::IDeviceNConnectionColorSpace>(space, COLOR::IID_IDEVICENCOLORSPACE);
+    const auto* deviceN = AsDeviceN(space);
     return deviceN != nullptr && deviceN->GetColorantCount() == 1 ? deviceN->GetColorantName(0)
                                                                   : nullptr;
 }
@@ -77,8 +54,7 @@ bool HasSpecialAlternate(COLOR::ISeparationConnectionColorSpace* separation, con
 }
 
 bool IsRegistrationOrNone(IConnectionColorSpace* space) {
-    auto* separation = FindInterface<COLOR::ISeparationConnectionColorSpace>(
-        space, COLOR::IID_ISEPARATIONCOLORSPACE);
+    auto* separation = AsSeparation(space);
     return HasSpecialAlternate(separation, COLOR::IID_IREGISTRATIONCOLORSPACE) ||
            HasSpecialAlternate(separation, COLOR::IID_INONECOLORSPACE);
 }
@@ -183,6 +159,27 @@ std::optional<ColorValues> BaseConnectionSpaceDelegate::CurrentColor(
     return color;
 }
 
+std::optional<ColorValues> BaseConnectionSpaceDelegate::ConvertByHost(
+    const IConnectionColorSpace& source, const IConnectionColorSpace& destination,
+    const float* values, std::int32_t count,
+    const std::pair<TRenderingIntent, TRenderingIntent>& intents) {
+    const std::int32_t from = source.GetComponentCount();
+    ColorValues result;
+    result.count = destination.GetComponentCount();
+    if (from > COLOR::kMaxComponents || result.count > COLOR::kMaxComponents) {
+        return std::nullopt;
+    }
+    // A caller's colour may be shorter than the space wants.
+    ColorValues whole;
+    std::copy_n(values, std::clamp(count, 0, from), whole.values);
+    float pcs[3];
+    if (!source.ToPCS(whole.values, pcs, intents.first) ||
+        !destination.FromPCS(pcs, result.values, intents.second)) {
+        return std::nullopt;
+    }
+    return result;
+}
+
 void BaseConnectionSpaceDelegate::SetColorSpaceAndValues(IConnectionColorSpace* space,
                                                          const float* values, std::int32_t count,
                                                          bool fill) {
@@ -195,8 +192,7 @@ void BaseConnectionSpaceDelegate::SetColorSpaceAndValues(IConnectionColorSpace* 
 
 bool BaseConnectionSpaceDelegate::SetDeviceColorSpaceByKey(IConnectionColorSpace* space,
                                                            FourCC key) {
-    if (auto* separation = FindInterface<COLOR::ISeparationConnectionColorSpace>(
-            space, COLOR::IID_ISEPARATIONCOLORSPACE)) {
+    if (auto* separation = AsSeparation(space)) {
         if (SetRegistrationSpace(separation) || SetNoneColorSpace(separation)) {
             return true;
         }
@@ -417,16 +413,20 @@ bool BaseConnectionSpaceDelegate::WriteShadingDictionary(const TypedShading& sha
            shading.write(*out, shading.shading, destination, mLanguageLevel, paint, colourManaged);
 }
 
-void BaseConnectionSpaceDelegate::FillWithColorSpace(IConnectionColorSpace* shading,
-                                                     ResourceId /*id*/, float /*x*/, float /*y*/,
-                                                     float /*width*/, float /*height*/,
-                                                     bool paint) {
+void BaseConnectionSpaceDelegate::FillConverted(IConnectionColorSpace* shading, bool paint) {
     if (shading == nullptr) {
         return;
     }
     if (const TypedShading typed = FindShading(shading); typed.shading != nullptr) {
         WriteShadingDictionary(typed, mDestination.Get(), paint, false);
     }
+}
+
+void BaseConnectionSpaceDelegate::FillWithColorSpace(IConnectionColorSpace* shading,
+                                                     ResourceId /*id*/, float /*x*/, float /*y*/,
+                                                     float /*width*/, float /*height*/,
+                                                     bool paint) {
+    FillConverted(shading, paint);
 }
 
 }  // namespace VANTIX::RENDERING

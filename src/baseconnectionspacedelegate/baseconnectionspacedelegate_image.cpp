@@ -4,7 +4,9 @@
 #include <string_view>
 
 #include "baseconnectionspacedelegate/baseconnectionspacedelegate.h"
+#include "baseconnectionspacedelegate/channels.h"
 #include "baseconnectionspacedelegate/interleavedline.h"
+#include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 
@@ -37,6 +39,7 @@ struct Channels {
     std::array<IChannelData*, InterleavedLine::kMostPlanes> data{};  ///< null: none of its own
     std::size_t count = 0;
     std::size_t complemented = 0;  ///< so many of them, from the first
+    std::uint64_t absent = 0;      ///< bit i: channel i is marked absent
     std::uint8_t blank = 0;        ///< bytes of the channels without data
     void (*logMissing)(std::int32_t line, std::size_t channel) = LogMissingChannelLine;
 
@@ -56,10 +59,13 @@ struct Channels {
         return true;
     }
 
+    [[nodiscard]] bool IsAbsent(std::size_t index) const { return (absent >> index & 1U) != 0; }
+
     /// The planes of line `y`; false (logged) when one is missing.
     bool GetLine(std::int32_t y, const std::uint8_t* blankLine, InterleavedLine::Planes& planes) {
         for (std::size_t k = 0; k < count; ++k) {
-            planes[k] = data[k] == nullptr ? blankLine : data[k]->GetLine(y);
+            const std::uint8_t* own = data[k] == nullptr ? nullptr : data[k]->GetLine(y);
+            planes[k] = IsAbsent(k) ? blankLine : own;
             if (planes[k] == nullptr) {
                 logMissing(y, k);
                 return false;
@@ -81,6 +87,7 @@ void DropAbsentPrimaries(const IRasterComponent& raster, std::size_t primaries,
     for (std::size_t i = 0; i < primaries; ++i) {
         if ((mask >> i & 1U) == 0) {
             channels.data[i] = nullptr;
+            channels.absent |= std::uint64_t{1} << i;
         }
     }
 }
@@ -149,11 +156,19 @@ void WriteLines(Channels& channels, std::int32_t height, InterleavedLine& line,
     }
 }
 
+/// False (logged) for a depth of which so many channels do not make up pixels.
+bool IsSupportedDepth(std::int32_t depth, std::size_t channels) {
+    const bool isSupported = depth <= kMostDepth && (depth >= 8 || channels == 1);
+    if (!isSupported) {
+        LogError(kModule) << "Don't support a bit depth of " << depth;
+    }
+    return isSupported;
+}
+
 /// Writes the pixels that the channels make up, and ends the data.
 void WritePixels(Channels& channels, std::int32_t width, std::int32_t height, std::int32_t depth,
                  GRAPHICS::ISwizzleServices* swizzle, PS::IPostScriptOutputContext& out) {
-    if (depth > kMostDepth || (depth < 8 && channels.count > 1)) {
-        LogError(kModule) << "Don't support a bit depth of " << depth;
+    if (!IsSupportedDepth(depth, channels.count)) {
         return;
     }
     const std::size_t lineBytes =
@@ -201,10 +216,8 @@ void BaseConnectionSpaceDelegate::Image(IRasterComponent& raster, float x, float
                                     mGraphicsState == nullptr ? 1 : mGraphicsState->GetAlpha(true));
     }
     COLOR::IConnectionColorSpace* space = drawn.GetColorSpace();
-    const auto* device =
-        FindInterface<COLOR::IDeviceConnectionColorSpace>(space, COLOR::IID_IDEVICECOLORSPACE);
-    if (auto* indexed = FindInterface<COLOR::IIndexedConnectionColorSpace>(
-            space, COLOR::IID_IINDEXEDCOLORSPACE)) {
+    const auto* device = AsDevice(space);
+    if (auto* indexed = AsIndexed(space)) {
         InjectIndexedImage(drawn, x, y, width, height, indexed);
     } else if (spots.empty() && device != nullptr) {
         InjectDeviceSpaceImage(drawn, x, y, width, height, device->GetFamily());
@@ -226,14 +239,36 @@ BaseConnectionSpaceDelegate::SpotChannels BaseConnectionSpaceDelegate::FindSpotC
 }
 
 bool BaseConnectionSpaceDelegate::HasMaskChannel(const IRasterComponent& raster) {
-    const IChannelDesc* channel = raster.GetExtraCount() > 0 ? raster.GetExtra(0) : nullptr;
-    const IChannelData* data =
-        channel != nullptr && channel->GetType() == "LPHA"_cc ? channel->GetData() : nullptr;
+    const IChannelDesc* channel = AlphaChannel(raster);
+    const IChannelData* data = channel == nullptr ? nullptr : channel->GetData();
     return data != nullptr && !data->IsFullyOpaque();
 }
 
+bool BaseConnectionSpaceDelegate::HasImageData(const IRasterComponent& raster,
+                                               std::int32_t channels, MissingPlaneLog logMissing) {
+    Channels gathered;
+    if (!GatherPrimaries(raster, channels, gathered)) {
+        LogError(kModule) << "No Primary channel data.";
+        return false;
+    }
+    for (std::size_t k = 0; k < gathered.count; ++k) {
+        if (gathered.data[k] == nullptr && !gathered.IsAbsent(k)) {
+            (logMissing == nullptr ? gathered.logMissing : logMissing)(0, k);
+            return false;
+        }
+    }
+    return IsSupportedDepth(raster.GetBitsPerSample(), gathered.count);
+}
+
+bool BaseConnectionSpaceDelegate::HasImageData(const IRasterComponent& raster) {
+    Channels gathered;
+    return GatherChannels(raster, gathered) && gathered.count > 0 &&
+           IsSupportedDepth(raster.GetBitsPerSample(), gathered.count);
+}
+
 void BaseConnectionSpaceDelegate::WriteImageData(IRasterComponent& raster, std::int32_t channels,
-                                                 std::int32_t depth, std::int32_t width) {
+                                                 std::int32_t depth, std::int32_t width,
+                                                 MissingPlaneLog logMissing) {
     PS::IPostScriptOutputContext* out = OutputContext();
     if (out == nullptr || (channels != 1 && channels != 3 && channels != 4)) {
         return;
@@ -242,6 +277,9 @@ void BaseConnectionSpaceDelegate::WriteImageData(IRasterComponent& raster, std::
     if (!GatherPrimaries(raster, channels, gathered)) {
         LogError(kModule) << "No Primary channel data.";
         return;
+    }
+    if (logMissing != nullptr) {
+        gathered.logMissing = logMissing;
     }
     WritePixels(gathered, width, raster.GetHeight(), depth, mSwizzle.Get(), *out);
 }
@@ -267,6 +305,7 @@ void BaseConnectionSpaceDelegate::WriteInkImageData(IRasterComponent& raster) {
     gathered.complemented =
         static_cast<std::size_t>(raster.GetPrimaryCount()) - static_cast<std::size_t>(last - end);
     gathered.count = static_cast<std::size_t>(end - gathered.data.begin());
+    gathered.absent = 0;
     WritePixels(gathered, raster.GetWidth(), raster.GetHeight(), raster.GetBitsPerSample(),
                 mSwizzle.Get(), *out);
 }
@@ -282,7 +321,7 @@ Status BaseConnectionSpaceDelegate::InjectGreyscaleImageInAlternateColorSpace(
 void BaseConnectionSpaceDelegate::InjectRGBImage(IRasterComponent& raster, float /*x*/, float /*y*/,
                                                  float /*width*/, float /*height*/) {
     PS::IPostScriptOutputContext* out = OutputContext();
-    if (out == nullptr) {
+    if (out == nullptr || !HasImageData(raster, 3)) {
         return;
     }
     constexpr std::string_view kSpace = "/DeviceRGB";

@@ -7,6 +7,7 @@
 #include "baseconnectionspacedelegate/baseconnectionspacedelegate.h"
 #include "baseconnectionspacedelegate/palettes.h"
 #include "baseconnectionspacedelegate/profilepalette.h"
+#include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "postscriptconnectionspace/colorspacetexts.h"
@@ -28,11 +29,6 @@ constexpr const char* kModule = "src/baseconnectionspacedelegate";
 constexpr std::size_t kSpaceTextBytes = 16384;
 
 constexpr std::int32_t kEntriesPerLine = 16;
-
-bool IsSpot(IConnectionColorSpace& space) {
-    return FindInterface<IObject>(&space, COLOR::IID_ISEPARATIONCOLORSPACE) != nullptr ||
-           FindInterface<IObject>(&space, COLOR::IID_IDEVICENCOLORSPACE) != nullptr;
-}
 
 /// The index channel's samples as they are written.
 struct IndexLines {
@@ -186,8 +182,7 @@ bool BaseConnectionSpaceDelegate::BuildIndexedColourString(std::string& out,
         out.append(name).append(" ");
         return true;
     }
-    if (auto* calibrated = FindInterface<COLOR::ICalibratedConnectionColorSpace>(
-            target, COLOR::IID_ICALIBRATEDCOLORSPACE)) {
+    if (auto* calibrated = AsCalibrated(target)) {
         return AppendCalibratedSpace(out, *calibrated);
     }
     return AppendSpotSpace(out, *target, count, false);
@@ -202,12 +197,10 @@ bool BaseConnectionSpaceDelegate::AppendSpotSpace(std::string& out, IConnectionC
         return false;
     }
     const auto size = static_cast<std::int32_t>(text.Size());
-    if (auto* separation = FindInterface<COLOR::ISeparationConnectionColorSpace>(
-            &space, COLOR::IID_ISEPARATIONCOLORSPACE)) {
+    if (auto* separation = AsSeparation(&space)) {
         length =
             context->WriteSeparationSpaceToBuffer(separation, text.Data(), size, colourManaged);
-    } else if (auto* deviceN = FindInterface<COLOR::IDeviceNConnectionColorSpace>(
-                   &space, COLOR::IID_IDEVICENCOLORSPACE)) {
+    } else if (auto* deviceN = AsDeviceN(&space)) {
         length = context->WriteDeviceNSpaceToBuffer(deviceN, text.Data(), size, false, count,
                                                     colourManaged);
     } else {
@@ -221,8 +214,7 @@ bool BaseConnectionSpaceDelegate::ConvertPaletteToTarget(const IRasterComponent&
                                                          IConnectionColorSpace& base,
                                                          IConnectionColorSpace& target,
                                                          Palette& palette, std::string& storage) {
-    const auto* device =
-        FindInterface<COLOR::IDeviceConnectionColorSpace>(&target, COLOR::IID_IDEVICECOLORSPACE);
+    const auto* device = AsDevice(&target);
     const FourCC key = device == nullptr ? 0 : device->GetFamily();
     const std::int32_t components = ComponentsOfFamily(key);
     if (components == 0) {
@@ -238,7 +230,7 @@ bool BaseConnectionSpaceDelegate::ConvertPaletteToTarget(const IRasterComponent&
     }
     palette.components = from;
     const FourCC baseKey = GetOwnFamily(&base);
-    const bool isBlackAndWhite = raster.GetBitsPerSample() == 1 && from == 1 && !IsSpot(base) &&
+    const bool isBlackAndWhite = raster.GetBitsPerSample() == 1 && baseKey == "gray"_cc &&
                                  !mPromoteGray && palette.entries >= 2 &&
                                  palette.bytes[0] + palette.bytes[1] == 0xFF &&
                                  (palette.bytes[0] == 0 || palette.bytes[0] == 0xFF);
@@ -276,8 +268,7 @@ bool BaseConnectionSpaceDelegate::KeepPalette(IConnectionColorSpace& base, Palet
         return false;
     }
     palette.complement = GetOwnFamily(&base) == "cmyk"_cc;
-    auto* profile = FindInterface<COLOR::IProfileBasedConnectionColorSpace>(
-        &base, COLOR::IID_IPROFILEBASEDCOLORSPACE);
+    auto* profile = AsProfileBased(&base);
     if (profile == nullptr || !mColorManaged) {
         return true;
     }

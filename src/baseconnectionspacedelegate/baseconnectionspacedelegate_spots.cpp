@@ -8,6 +8,7 @@
 #include "baseconnectionspacedelegate/baseconnectionspacedelegate.h"
 #include "baseconnectionspacedelegate/devicenlines.h"
 #include "baseconnectionspacedelegate/samples.h"
+#include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/graphics/pluginhelper/rasterhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
@@ -36,10 +37,6 @@ IChannelData* DataOf(const IChannelDesc* channel) {
     return channel == nullptr ? nullptr : channel->GetData();
 }
 
-IDeviceNConnectionColorSpace* AsDeviceN(IConnectionColorSpace* space) {
-    return FindInterface<IDeviceNConnectionColorSpace>(space, COLOR::IID_IDEVICENCOLORSPACE);
-}
-
 bool HaveSpaces(const std::vector<const IChannelDesc*>& spots) {
     return std::all_of(spots.begin(), spots.end(),
                        [](const auto* spot) { return spot->GetSeparationSpace() != nullptr; });
@@ -48,8 +45,7 @@ bool HaveSpaces(const std::vector<const IChannelDesc*>& spots) {
 /// Spaces whose primaries need no conversion to take inks.
 bool TakesInks(IConnectionColorSpace* space) {
     const FourCC family = GetOwnFamily(space);
-    const auto* calibrated = FindInterface<COLOR::ICalibratedConnectionColorSpace>(
-        space, COLOR::IID_ICALIBRATEDCOLORSPACE);
+    const auto* calibrated = AsCalibrated(space);
     return family == "rgb "_cc || family == "cmyk"_cc ||
            (calibrated != nullptr && calibrated->GetFamily() == "crgb"_cc);
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/color/ispotcolorspaces.h"
 #include "core/libsupport/vlogger/logmessage.h"
 
@@ -14,8 +15,7 @@ namespace {
 constexpr const char* kModule = "src/baseconnectionspacedelegate";
 
 bool IsBlackAlone(const GRAPHICS::IRasterComponent& raster) {
-    const auto* deviceN = FindInterface<COLOR::IDeviceNConnectionColorSpace>(
-        raster.GetColorSpace(), COLOR::IID_IDEVICENCOLORSPACE);
+    const auto* deviceN = AsDeviceN(raster.GetColorSpace());
     if (deviceN == nullptr || deviceN->GetColorantCount() != 1) {
         return false;
     }
@@ -33,7 +33,7 @@ bool CopyAlpha(const DeviceNConversion& conversion, std::int32_t y) {
     return line != nullptr && conversion.targetAlpha->SetLine(y, line) == STATUS::kOk;
 }
 
-/// One line after the other through the connection colour.
+/// One line after the other.
 Status ConvertLines(const DeviceNConversion& conversion, std::int32_t planes) {
     const std::int32_t width = conversion.source->GetWidth();
     const std::int32_t bits = conversion.source->GetBitsPerSample();
@@ -42,18 +42,24 @@ Status ConvertLines(const DeviceNConversion& conversion, std::int32_t planes) {
     std::vector<std::uint8_t> lines(lineBytes * static_cast<std::size_t>(planes));
     std::vector<const std::uint8_t*> sources(conversion.channels.size());
     std::vector<std::uint8_t*> targets;
+    targets.reserve(static_cast<std::size_t>(planes));
     for (std::int32_t i = 0; i < planes; ++i) {
         targets.push_back(lines.data() + lineBytes * static_cast<std::size_t>(i));
     }
+    COLOR::LineConversion line;
+    line.source = sources.data();
+    line.sourceBits = bits;
+    line.width = width;
+    line.target = targets.data();
+    line.targetBits = bits;
+    line.pcs = pcs.data();
+    line.sourceIntent = conversion.sourceIntent;
+    line.targetIntent = conversion.destinationIntent;
     for (std::int32_t y = 0; y < conversion.source->GetHeight(); ++y) {
         std::transform(conversion.channels.begin(), conversion.channels.end(), sources.begin(),
                        [y](auto* data) { return data == nullptr ? nullptr : data->GetLine(y); });
-        Status status = conversion.source->GetColorSpace()->LineToPCS(
-            sources.data(), width, bits, pcs.data(), conversion.sourceIntent);
-        if (status == STATUS::kOk) {
-            status = conversion.destination->LineFromPCS(
-                pcs.data(), nullptr, width, bits, targets.data(), conversion.destinationIntent);
-        }
+        const Status status =
+            conversion.source->GetColorSpace()->ConvertLine(*conversion.destination, line);
         if (status != STATUS::kOk || !CopyAlpha(conversion, y)) {
             LogError(kModule) << "Connection Color Space Conversion Failed. Error = " << status;
             return status == STATUS::kOk ? STATUS::kInvalidArgument : status;

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "baseconnectionspacedelegate/profilepalette.h"
+#include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 
@@ -14,11 +15,6 @@ namespace {
 using COLOR::IConnectionColorSpace;
 
 constexpr const char* kModule = "src/baseconnectionspacedelegate";
-
-COLOR::ICalibratedConnectionColorSpace* AsCalibrated(IConnectionColorSpace* space) {
-    return FindInterface<COLOR::ICalibratedConnectionColorSpace>(space,
-                                                                 COLOR::IID_ICALIBRATEDCOLORSPACE);
-}
 
 std::int32_t DeviceNComponents(const COLOR::IDeviceNConnectionColorSpace& space) {
     if (space.GetColorantCount() > 0) {
@@ -61,8 +57,7 @@ std::int32_t PaletteComponents(IConnectionColorSpace& base) {
     if (FindInterface<IObject>(&base, COLOR::IID_ISEPARATIONCOLORSPACE) != nullptr) {
         return 1;
     }
-    if (const auto* deviceN = FindInterface<COLOR::IDeviceNConnectionColorSpace>(
-            &base, COLOR::IID_IDEVICENCOLORSPACE)) {
+    if (const auto* deviceN = AsDeviceN(&base)) {
         return DeviceNComponents(*deviceN);
     }
     const auto* calibrated = AsCalibrated(&base);
@@ -107,12 +102,16 @@ bool ConvertPalette(IConnectionColorSpace& base, std::int32_t from, const std::u
     return true;
 }
 
-// The weights are those of red, green and blue in luminance, in units of 1/16384, and 255 x 255 of
-// light give 254 (one less than white, since the sum is cut off).
+// The weights are those of red, green and blue in luminance, in units of 1/16384.
+std::uint8_t BlackOf(std::uint32_t cyan, std::uint32_t magenta, std::uint32_t yellow,
+                     std::uint32_t black) {
+    const std::uint32_t light = 4915U * cyan + 9667U * magenta + 1802U * yellow;
+    return static_cast<std::uint8_t>((light * black + (1U << 21U)) >> 22U);
+}
+
 void PromoteToBlack(std::uint8_t* entries, std::int32_t count) {
     for (std::int32_t i = 0; i < count; ++i, entries += 4) {
-        const std::uint32_t light = 4915U * entries[0] + 9667U * entries[1] + 1802U * entries[2];
-        entries[3] = static_cast<std::uint8_t>((light * entries[3] + (1U << 21U)) >> 22U);
+        entries[3] = BlackOf(entries[0], entries[1], entries[2], entries[3]);
         std::fill_n(entries, 3, std::uint8_t{0xFF});
     }
 }

@@ -25,6 +25,11 @@ bool ConvertPalette(COLOR::IConnectionColorSpace& base, std::int32_t from,
                     const COLOR::IConnectionColorSpace& target, std::int32_t to,
                     std::uint8_t* converted, const IntentPair& intents);
 
+/// The black ink that has the luminance of a colour, all in complements of inks as bytes; white
+/// comes out as 254, since the sum is cut off.
+std::uint8_t BlackOf(std::uint32_t cyan, std::uint32_t magenta, std::uint32_t yellow,
+                     std::uint32_t black);
+
 /// Moves the ink of entries of complemented c, m, y, k into black alone, by their luminance.
 void PromoteToBlack(std::uint8_t* entries, std::int32_t count);
 

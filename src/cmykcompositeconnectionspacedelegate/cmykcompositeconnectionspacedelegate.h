@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+
+#include "privatecmykcompositeconnectionspacedelegate/privatecmykcompositeconnectionspacedelegate.h"
+
+namespace VANTIX::RENDERING {
+
+/// Writes everything in DeviceCMYK, converting only what is not gray or CMYK already.
+class CMYKCompositeConnectionSpaceDelegate : public PrivateCMYKCompositeConnectionSpaceDelegate {
+public:
+    /// `options` are `DELEGATEOPTION` bits.
+    CMYKCompositeConnectionSpaceDelegate(IClassFactory& factory,
+                                         COLOR::IConnectionColorSpace* destination,
+                                         std::uint32_t options)
+        : PrivateCMYKCompositeConnectionSpaceDelegate(factory, destination, options) {}
+
+    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                      float height) override {
+        InjectByFamily(raster, x, y, width, height);
+    }
+};
+
+/// Writes everything in the CMYK of the output profile: only gray, and rasters tagged with that
+/// profile, keep their values.
+class ColorManagedCMYKCompositeConnectionSpaceDelegate
+    : public PrivateCMYKCompositeConnectionSpaceDelegate {
+public:
+    /// `options` are `DELEGATEOPTION` bits.
+    ColorManagedCMYKCompositeConnectionSpaceDelegate(IClassFactory& factory,
+                                                     COLOR::IConnectionColorSpace* destination,
+                                                     std::uint32_t options);
+
+    void FillWithColorSpace(COLOR::IConnectionColorSpace* shading, ResourceId id, float x, float y,
+                            float width, float height, bool paint) override;
+    bool SetColor(const float* values, std::int32_t count, bool fill) override;
+    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                      float height) override;
+    void InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                                float height, FourCC deviceKey) override;
+
+private:
+    /// Whether samples under `profile` are those of the output; nothing (logged) without an output
+    /// to compare with.
+    std::optional<bool> IsOutputProfile(COLOR::IProfileBasedConnectionColorSpace& profile);
+};
+
+}  // namespace VANTIX::RENDERING

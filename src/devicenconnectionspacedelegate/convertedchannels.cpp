@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "devicenconnectionspacedelegate/convertedchannels.h"
+
+#include <memory>
+#include <utility>
+
+#include "baseconnectionspacedelegate/convertedlines.h"
+#include "core/graphics/pluginhelper/rasterhelpers.h"
+#include "core/object/tobject.h"
+
+namespace VANTIX::RENDERING {
+
+namespace {
+
+constexpr const char* kModule = "src/devicenconnectionspacedelegate";
+
+constexpr BufferMessage kNoBuffer{"Failed to allocate a buffer of ", "bytes."};
+
+/// The one line that is held of all converted planes.
+class SharedLines {
+public:
+    SharedLines(const GRAPHICS::IRasterComponent& raster,
+                const COLOR::IConnectionColorSpace& target, std::int32_t bits,
+                const IntentPair& intents)
+        : mLines(raster, target, bits, intents, false) {}
+
+    bool IsReady() { return mLines.IsReady(kModule, kNoBuffer, kNoBuffer); }
+
+    /// Null when the line cannot be converted.
+    const std::uint8_t* Plane(std::int32_t y, std::size_t plane) {
+        if (y != mHeld) {
+            mHeld = mLines.Convert(y, mPlanes) ? y : -1;
+        }
+        return mHeld == -1 ? nullptr : mPlanes.at(plane);
+    }
+
+private:
+    ConvertedLines mLines;
+    ConvertedLines::Planes mPlanes{};
+    std::int32_t mHeld = -1;
+};
+
+class ConvertedChannelData : public TObject<GRAPHICS::IChannelData> {
+public:
+    ConvertedChannelData(std::shared_ptr<SharedLines> lines, std::size_t plane,
+                         std::int32_t lineBytes)
+        : mLines(std::move(lines)), mPlane(plane), mLineBytes(lineBytes) {}
+
+    Status Init(std::int32_t, std::int32_t, std::int32_t, std::int32_t) override {
+        return STATUS::kNotSupported;
+    }
+
+    const std::uint8_t* GetLine(std::int32_t y) override { return mLines->Plane(y, mPlane); }
+
+    std::int32_t GetLineBytes() const override { return mLineBytes; }
+
+    Status SetLine(std::int32_t, const std::uint8_t*) override { return STATUS::kNotSupported; }
+
+    bool IsFullyOpaque() const override { return false; }
+
+private:
+    std::shared_ptr<SharedLines> mLines;
+    std::size_t mPlane;
+    std::int32_t mLineBytes;
+};
+
+}  // namespace
+
+bool ConvertProcessChannels(IClassFactory& factory, const GRAPHICS::IRasterComponent& raster,
+                            COLOR::IConnectionColorSpace& target, const IntentPair& intents,
+                            TInterfacePtr<GRAPHICS::IRasterComponent>& out) {
+    const std::int32_t bits = raster.GetBitsPerSample() == 16 ? 16 : 8;
+    const std::int32_t width = raster.GetWidth();
+    auto lines = std::make_shared<SharedLines>(raster, target, bits, intents);
+    if (!lines->IsReady() ||
+        !GRAPHICS::HELPER::CreateRasterComponent(&factory, &target, width, raster.GetHeight(),
+                                                 static_cast<std::int8_t>(bits), 0, 0, 0, 0, out)) {
+        return false;
+    }
+    for (std::int32_t i = 0; i < out->GetPrimaryCount(); ++i) {
+        const auto data =
+            MakeObject<ConvertedChannelData>(lines, static_cast<std::size_t>(i), width * bits / 8);
+        out->GetPrimary(i)->SetData(data.Get());
+    }
+    for (std::int32_t i = 0; i < raster.GetExtraCount(); ++i) {
+        out->AddExtra(raster.GetExtra(i));
+    }
+    return true;
+}
+
+}  // namespace VANTIX::RENDERING
