@@ -148,10 +148,9 @@ const ColorSpaceEntry& ColorSpaces::MakeDeviceN(const Request& request) {
         entry.alternate = &alternate;
         return Add(std::move(entry));
     }
-    const bool isNChannel = NameOf(Get(request.Item(4), "/Subtype")) == "NChannel";
     entry.space = mFactory.DeviceNSpace(names, alternate.space,
                                         HOST::NormaliseTintFunction(tint, alternate.complemented),
-                                        isNChannel ? MakeInks(request, names) : nullptr, error);
+                                        MakeInks(request, names), error);
     if (!entry.space) {
         return Broken("DeviceN: " + error, 0);
     }

@@ -121,10 +121,6 @@ void ContentInterpreter::PaintImage(const ImageObject& object) {
 
 void ContentInterpreter::PaintColors(Image& image) {
     mContext.colorSpaces.UseForImage(image.Space());
-    if (image.Space().kind == ColorSpaceEntry::Kind::kSpace && image.Space().special) {
-        mContext.reporter.Warn("image-space", image.Label() + " in the space " +
-                                                  image.Space().name + " may be left out");
-    }
     std::optional<ImageMask> mask = image.Mask();
     const MaskKind kind = mask ? Survey(*mask) : MaskKind::kOpaque;
     if (kind == MaskKind::kClear) {
@@ -152,6 +148,12 @@ void ContentInterpreter::DrawRaster(const HOST::RasterPtr& raster, const std::st
     if (!raster) {
         mContext.reporter.Warn("image", label + ": it is left out: it is too large");
         return;
+    }
+    // Plates are flattened under the opacity of the whole.
+    const GRAPHICS::IChannelDesc* first =
+        raster->GetExtraCount() > 0 ? raster->GetExtra(0) : nullptr;
+    if (first != nullptr && first->GetType() == "SPOT"_cc) {
+        HOST::AddAlpha(*raster, 8, std::make_unique<OpaquePlane>(raster->GetWidth()), true);
     }
     mContext.space.DrawImage(raster.Get(), 0.0F, 0.0F, 1.0F, 1.0F);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -165,6 +166,19 @@ private:
     std::size_t mPlanes;
     PlaneLines mLines;
     std::int32_t mHeld = -1;  // line of the source
+};
+
+/// One plane of 8 bits without any transparency.
+class OpaquePlane : public HOST::PlaneSource {
+public:
+    explicit OpaquePlane(std::int32_t width) : mWidth(width) {}
+
+    void ReadLine(std::int32_t /*y*/, std::uint8_t* const* planes) override {
+        std::fill_n(planes[0], mWidth, std::uint8_t{0xFF});
+    }
+
+private:
+    std::int32_t mWidth;
 };
 
 /// A source that several rasters read, each the same lines or later ones.

@@ -263,10 +263,12 @@ PlanarImage Image::Planes(bool expand) {
         mDecode == std::vector<float>{0, 1} || mDecode == std::vector{1.0F, 0.0F};
     const bool isKept = !expand && mSpace->components == 1 && lines->Format().components == 1 &&
                         isStraight && mSpace->kind == ColorSpaceEntry::Kind::kSpace;
-    const std::int32_t bits = mFormat.bits >= 8 || isKept ? mFormat.bits : 8;
     PlanarImage image;
     image.isDeviceN =
         mSpace->kind == ColorSpaceEntry::Kind::kSpace && mSpace->special && !IsSeparation(*mSpace);
+    // Interpreters lose the plates of several inks in more than 8 bits.
+    const std::int32_t most = image.isDeviceN ? 8 : 16;
+    const std::int32_t bits = mFormat.bits >= 8 || isKept ? std::min(mFormat.bits, most) : 8;
     image.paper = mSpace->special ? 0 : 0xFF;
     image.format = {mSpace->space, mFormat.width, mFormat.height, bits};
     const bool converts = IsLab(*mSpace) || mSpace->kind == ColorSpaceEntry::Kind::kReplaced;
