@@ -67,17 +67,13 @@ struct Refused {
 };
 
 /// What this version does not build yet.
-constexpr std::array<Refused, 10> kNotBuilt{{
+constexpr std::array<Refused, 6> kNotBuilt{{
     {KEY::kColorModel, 1, "--color gray"},
     {KEY::kColorModel, 2, "--color gray-managed"},
     {KEY::kColorModel, 3, "--color gray-100"},
     {KEY::kColorModel, 4, "--color gray-calibrated"},
     {KEY::kColorModel, 5, "--color rgb"},
     {KEY::kColorModel, 6, "--color rgb-managed"},
-    {KEY::kColorModel, 7, "--color cmyk"},
-    {KEY::kColorModel, 8, "--color cmyk-managed"},
-    {KEY::kColorModel, 15, "--color devicen"},
-    {KEY::kColorModel, 16, "--color devicen-managed"},
 }};
 
 /// What an interpreter of Language Level 2 does not know.
