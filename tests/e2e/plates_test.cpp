@@ -35,22 +35,26 @@ class PlatesOf : public testing::TestWithParam<const char*> {};
 TEST_P(PlatesOf, AreThoseOfThePdf) {
     const auto reference = DrawPlates(CasePath(GetParam()), {});
     ASSERT_EQ(reference.pages.size(), 1U);
-    const Plates plates = ConvertedPlates(GetParam(), {"--level", "3", "--color", "as-is"});
-    EXPECT_EQ(Names(plates), Names(reference.pages.front()));
-    for (const auto& [name, plate] : plates) {
-        const auto own = reference.pages.front().find(name);
-        if (own != reference.pages.front().end()) {
-            const PageDifference difference = Compare(plate, own->second);
-            EXPECT_TRUE(difference.IsMatch()) << name << ": " << difference.Describe();
+    for (const char* model : {"as-is", "devicen", "devicen-managed"}) {
+        SCOPED_TRACE(model);
+        const Plates plates = ConvertedPlates(GetParam(), {"--level", "3", "--color", model});
+        EXPECT_EQ(Names(plates), Names(reference.pages.front()));
+        for (const auto& [name, plate] : plates) {
+            const auto own = reference.pages.front().find(name);
+            if (own != reference.pages.front().end()) {
+                const PageDifference difference = Compare(plate, own->second);
+                EXPECT_TRUE(difference.IsMatch()) << name << ": " << difference.Describe();
+            }
         }
     }
 }
 
 TEST_P(PlatesOf, AreTheProcessInksAloneWhenSpotsAreConverted) {
-    for (const char* level : {"2", "3"}) {
-        const Plates plates =
-            ConvertedPlates(GetParam(), {"--level", level, "--color", "as-is-process"});
-        EXPECT_EQ(Names(plates), kProcessPlates);
+    for (const char* model : {"as-is-process", "cmyk", "cmyk-managed"}) {
+        for (const char* level : {"2", "3"}) {
+            const Plates plates = ConvertedPlates(GetParam(), {"--level", level, "--color", model});
+            EXPECT_EQ(Names(plates), kProcessPlates) << model << " at level " << level;
+        }
     }
 }
 
@@ -77,12 +81,51 @@ TEST(Plates, OfAnotherInkStayEmptyUnderANoneSeparation) {
     }
 }
 
+/// The lowest rows of the press sheet; 320 of them have neither text nor shadings.
+PageImage Part(const PageImage& plate, std::size_t rows) {
+    PageImage part{720, rows, 1, {}};
+    for (std::size_t y = plate.height - part.height; y < plate.height; ++y) {
+        const auto row = plate.samples.begin() + static_cast<std::ptrdiff_t>(y * plate.width);
+        part.samples.insert(part.samples.end(), row, row + static_cast<std::ptrdiff_t>(part.width));
+    }
+    return part;
+}
+
 TEST(Example, PressSheetComesApartIntoItsInks) {
     // From tests/e2e/cases.
-    const Plates plates = ConvertedPlates("../../../examples/press-sheet", {});
+    const std::string sheet = "../../../examples/press-sheet";
     const std::vector<std::string> inks{"Black",          "Cyan",    "Deep Sea", "Magenta",
                                         "Sunrise Orange", "Varnish", "Yellow"};
-    EXPECT_EQ(Names(plates), inks);
+    const auto reference = DrawPlates(CasePath(sheet), {});
+    ASSERT_EQ(reference.pages.size(), 1U);
+    for (const char* model : {"as-is", "devicen", "devicen-managed"}) {
+        SCOPED_TRACE(model);
+        const Plates plates = ConvertedPlates(sheet, {"--color", model});
+        ASSERT_EQ(Names(plates), inks);
+        for (const auto& [name, plate] : plates) {
+            const PageImage part = Part(plate, 320);
+            EXPECT_FALSE(part.IsBlank()) << name;
+            const PageDifference difference =
+                Compare(part, Part(reference.pages.front().at(name), 320));
+            EXPECT_TRUE(difference.IsMatch()) << name << ": " << difference.Describe();
+        }
+    }
+}
+
+TEST(Example, PressSheetIsPrintedInFourInksOnRequest) {
+    const std::string sheet = "../../../examples/press-sheet";
+    GhostscriptOptions options;
+    options.spots = false;
+    const auto reference = DrawPlates(CasePath(sheet), options);
+    ASSERT_EQ(reference.pages.size(), 1U);
+    const Plates plates = ConvertedPlates(sheet, {"--color", "cmyk"});
+    ASSERT_EQ(Names(plates), kProcessPlates);
+    // Above these are waves of varnish, which Ghostscript lets overprint in process inks, too.
+    for (const auto& [name, plate] : plates) {
+        const PageDifference difference =
+            Compare(Part(plate, 140), Part(reference.pages.front().at(name), 140));
+        EXPECT_TRUE(difference.IsMatch()) << name << ": " << difference.Describe();
+    }
 }
 
 TEST(LevelTwo, HoldsNoColorantsOfLevelThree) {

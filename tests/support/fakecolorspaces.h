@@ -82,21 +82,58 @@ public:
                      float* pcs, COLOR::TRenderingIntent) const override {
         for (std::int32_t i = 0; i < width * 3; ++i) {
             const std::int32_t plane = i % 3;
+            const std::int32_t x = i / 3;
             pcs[i] = plane < components && planes[plane] != nullptr
-                         ? static_cast<float>(planes[plane][i / 3]) / 255.0F
+                         ? static_cast<float>(planes[plane][x]) / 255.0F
                          : 0.0F;
         }
         return bits == 8 ? STATUS::kOk : STATUS::kNotSupported;
     }
 
-    Status LineFromPCS(const float* pcs, const std::uint8_t*, std::int32_t width, std::int32_t bits,
-                       std::uint8_t* const* planes, COLOR::TRenderingIntent) const override {
-        for (std::int32_t i = 0; i < width * std::min(components, 3); ++i) {
-            const std::int32_t x = i / std::min(components, 3);
-            const std::int32_t plane = i % std::min(components, 3);
-            planes[plane][x] = static_cast<std::uint8_t>(pcs[3 * x + plane] * 255.0F + 0.5F);
+    /// Lines that came with an opacity.
+    mutable int alphaLines = 0;
+    /// Lines that are converted; further ones fail.
+    int lineLimit = 1000;
+    mutable int convertedLines = 0;
+
+    /// Samples pass through the first three planes, in the target's depth; a fourth one is what the
+    /// target makes of black.
+    Status ConvertLine(const COLOR::IConnectionColorSpace& target,
+                       const COLOR::LineConversion& line) const override {
+        alphaLines += line.alpha == nullptr ? 0 : 1;
+        if (++convertedLines > lineLimit) {
+            return STATUS::kNotSupported;
         }
-        return bits == 8 ? STATUS::kOk : STATUS::kNotSupported;
+        constexpr float kBlack[3] = {};
+        float black[COLOR::kMaxComponents] = {};
+        target.FromPCS(kBlack, black, line.targetIntent);
+        for (std::int32_t i = 0; i < target.GetComponentCount(); ++i) {
+            const bool isThere = i < std::min(components, 3) && line.source[i] != nullptr;
+            const auto rest = static_cast<std::uint16_t>(i == 3 ? black[3] * 65535.0F : 0.0F);
+            for (std::int32_t x = 0; x < line.width; ++x) {
+                const std::uint16_t word =
+                    isThere ? Word(line.source[i], x, line.sourceBits) : rest;
+                if (line.targetBits == 16) {
+                    std::memcpy(line.target[i] + std::ptrdiff_t{2} * x, &word, 2);
+                } else {
+                    line.target[i][x] = static_cast<std::uint8_t>(word >> 8U);
+                }
+            }
+        }
+        return STATUS::kOk;
+    }
+
+private:
+    /// A sample of 1, 2, 4, 8 or 16 bits in sixteen bits.
+    static std::uint16_t Word(const std::uint8_t* plane, std::int32_t x, std::int32_t bits) {
+        std::uint16_t word = 0;
+        if (bits == 16) {
+            std::memcpy(&word, plane + std::ptrdiff_t{2} * x, 2);
+            return word;
+        }
+        const std::int32_t most = (1 << bits) - 1;
+        const std::int32_t sample = plane[x * bits / 8] >> (8 - bits - x * bits % 8) & most;
+        return static_cast<std::uint16_t>(sample * (0xFFFF / most));
     }
 };
 
@@ -123,7 +160,9 @@ class FakeProfileSpace : public FakeFamilySpace<COLOR::IProfileBasedConnectionCo
 public:
     using FakeFamilySpace::FakeFamilySpace;
 
-    const char* GetProfileName() const override { return "fake"; }
+    const char* profileName = "fake";
+
+    const char* GetProfileName() const override { return profileName; }
 
     FourCC GetPCSKind() const override { return "XYZ "_cc; }
 
@@ -187,8 +226,8 @@ public:
                           COLOR::TRenderingIntent, float opacity) const override {
         for (std::int32_t i = 0; i < size; ++i) {
             coverage[i] = opacity * static_cast<float>(i) / static_cast<float>(size - 1);
-            std::fill_n(colours + i * target.GetComponentCount(), target.GetComponentCount(),
-                        fullTint);
+            std::fill_n(colours, target.GetComponentCount(), fullTint);
+            colours += target.GetComponentCount();
         }
         return STATUS::kOk;
     }
@@ -209,8 +248,12 @@ public:
 
     COLOR::InkColorKind GetColorKind() const override { return kind; }
 
+    /// Another signature than that of the kind.
+    std::optional<FourCC> signature;
+    std::int32_t signatureValues = 4;
+
     FourCC GetColorSignature() const override {
-        return kind == COLOR::InkColorKind::kCMYK ? "CMYK"_cc : "RGB "_cc;
+        return signature.value_or(kind == COLOR::InkColorKind::kCMYK ? "CMYK"_cc : "RGB "_cc);
     }
 
     float GetColorComponent(std::int32_t index) const override {
@@ -219,7 +262,7 @@ public:
 
     std::int32_t GetSignatureValues(float values[4]) const override {
         std::transform(color.begin(), color.end(), values, [](float v) { return 1 - v; });
-        return 4;
+        return signatureValues;
     }
 };
 

@@ -30,6 +30,15 @@ public:
     std::vector<Line> lines;
     bool isOpaque = false;
 
+    /// Tells itself from data of other classes.
+    Status QueryInterface(const GUID& id, void** out) override {
+        if (id == GRAPHICS::CLSID_CHANNELDATA) {
+            *out = static_cast<IObject*>(this);
+            return STATUS::kOk;
+        }
+        return TObject::QueryInterface(id, out);
+    }
+
     Status Init(std::int32_t, std::int32_t height, std::int32_t, std::int32_t lineBytes) override {
         lines.assign(static_cast<std::size_t>(height), Line(static_cast<std::size_t>(lineBytes)));
         return STATUS::kOk;
@@ -64,7 +73,7 @@ public:
     Status Init(FourCC code, std::int32_t, std::int8_t depth, std::int32_t, std::int32_t,
                 float amount) override {
         type = code;
-        bits = depth;
+        bits = static_cast<std::uint8_t>(depth);
         opacity = amount;
         return STATUS::kOk;
     }
@@ -83,11 +92,18 @@ public:
         space = TInterfacePtr<COLOR::ISeparationConnectionColorSpace>(given);
     }
 
-    GRAPHICS::IChannelData* GetData() const override { return data.Get(); }
+    GRAPHICS::IChannelData* GetData() const override {
+        return mForeign ? mForeign.Get() : data.Get();
+    }
 
     void SetData(GRAPHICS::IChannelData* given) override {
-        data = TInterfacePtr<FakeChannelData>(static_cast<FakeChannelData*>(given));
+        data = TInterfacePtr<FakeChannelData>(
+            FindInterface<FakeChannelData>(given, GRAPHICS::CLSID_CHANNELDATA));
+        mForeign = TInterfacePtr<GRAPHICS::IChannelData>(data ? nullptr : given);
     }
+
+private:
+    TInterfacePtr<GRAPHICS::IChannelData> mForeign;  // of another class
 };
 
 class FakeRaster : public TObject<GRAPHICS::IRasterComponent> {
@@ -113,7 +129,7 @@ public:
         space = TInterfacePtr<COLOR::IConnectionColorSpace>(given);
         width = columns;
         height = rows;
-        bits = depth;
+        bits = static_cast<std::uint8_t>(depth);
         for (std::int32_t i = 0; settings == 0 && i < given->GetComponentCount(); ++i) {
             Plane(Line(static_cast<std::size_t>(width * bits + 7) / 8));
             primaries.back()->data->lines.resize(static_cast<std::size_t>(height),

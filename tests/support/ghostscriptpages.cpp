@@ -97,6 +97,9 @@ Interpretation<Plates> DrawPlates(const std::string& path, const GhostscriptOpti
     const TemporaryFolder folder;
     std::vector<std::string> arguments = DeviceArguments(options, "tiffsep", folder.File("%d.tif"));
     arguments.emplace_back("-sCompression=none");
+    if (!options.spots) {
+        arguments.emplace_back("-dMaxSpots=0");
+    }
     const ChildResult result = RunGhostscript(path, std::move(arguments));
     Interpretation<Plates> drawn{{}, Complaint(result)};
     for (std::size_t number = 1;; ++number) {

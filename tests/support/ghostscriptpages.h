@@ -13,6 +13,7 @@ struct GhostscriptOptions {
     int resolution = 72;   ///< dots per inch
     std::string password;  ///< of an encrypted PDF
     bool cropBox = true;   ///< a PDF page is its crop box, not its media box
+    bool spots = true;     ///< spot colours have plates; else they are converted into process inks
 };
 
 /// What Ghostscript made of a document. `complaint` is empty when it ran without any error or

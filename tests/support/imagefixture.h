@@ -35,7 +35,8 @@ public:
     const std::uint8_t* GetLUT() const override { return table.empty() ? nullptr : table.data(); }
 };
 
-/// The as-is delegate on an output context that writes to memory, without filters.
+/// A delegate, as-is unless a test gives another one, on an output context that writes to memory,
+/// without filters.
 class ImageFixture : public OutputContextFixture {
 protected:
     ImageFixture() {
@@ -45,12 +46,27 @@ protected:
         factory->Offer<FakeChannelData>(GRAPHICS::CLSID_CHANNELDATA);
     }
 
-    void Draw(std::uint32_t options, FakeRaster& raster) {
-        const auto delegate =
-            MakeObject<RENDERING::AsIsCompositeConnectionSpaceDelegate>(*factory, options);
+    /// Gives the delegate context and state.
+    template <class T>
+    TInterfacePtr<T> Connect(TInterfacePtr<T> delegate) {
         delegate->Aggregate(context.Get(), PS::IID_IPOSTSCRIPTOUTPUTCONTEXT);
         delegate->SetGraphicsState(state.Get());
-        delegate->Image(raster, 0, 0, 1, 1);
+        return delegate;
+    }
+
+    void Draw(std::uint32_t options, GRAPHICS::IRasterComponent& raster) {
+        Draw(*Connect(
+                 MakeObject<RENDERING::AsIsCompositeConnectionSpaceDelegate>(*factory, options)),
+             raster);
+    }
+
+    void Draw(RENDERING::IConnectionSpaceDelegate& delegate, GRAPHICS::IRasterComponent& raster) {
+        delegate.Image(raster, 0, 0, 1, 1);
+        TakeWritten();
+    }
+
+    /// Takes what was written apart into `text` and `samples`.
+    void TakeWritten() {
         const std::string written = Written();
         const std::size_t end = written.find("image");
         const std::size_t data = end == std::string::npos ? end : written.find('\n', end);
@@ -78,6 +94,13 @@ protected:
         const auto run = RunPostScript("%!PS\n" + ColourText() + "\n" + program);
         EXPECT_EQ(run.complaint, "") << ColourText();
         return run.text;
+    }
+
+    /// What the tint transform of the current space makes of tints: ink or light in hundredths,
+    /// the last component first.
+    [[nodiscard]] std::string Tints(const std::string& tints) const {
+        return Run("currentcolorspace 3 get /transform exch def " + tints +
+                   " transform count {100 mul round cvi =string cvs print ( ) print} repeat");
     }
 
     static TInterfacePtr<FakeRaster> Raster(TInterfacePtr<COLOR::IConnectionColorSpace> space,

@@ -114,11 +114,11 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"SeparationHasTints",
              "/Width 2 /Height 1 /ColorSpace [/Separation /Ink /DeviceCMYK 22 0 R] "
              "/BitsPerComponent 8",
-             "00FF>", "image #1 2x1x8 00ff\n", "image-space "},
+             "00FF>", "image #1 2x1x8 00ff\n"},
         Case{"DeviceNHasSpots",
              "/Width 2 /Height 1 /ColorSpace [/DeviceN [/A /B] /DeviceRGB 21 0 R] "
              "/BitsPerComponent 8",
-             "00FF1020>", "image #2 2x1x8 spot8 0010 spot8 ff20\n", "image-space "}),
+             "00FF1020>", "image #2 2x1x8 alpha8 ffff spot8 0010 spot8 ff20\n"}),
     [](const auto& param) { return std::string(param.param.name); });
 
 INSTANTIATE_TEST_SUITE_P(

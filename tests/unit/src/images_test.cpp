@@ -155,11 +155,17 @@ TEST_F(Images, CalibratedSpacesAreCieBased) {
     }
 }
 
-TEST_F(Images, ManyInksWaitForTheirDelegate) {
-    const auto spot = MakeObject<FakeSeparationSpace>("Orange", cmyk, nullptr);
-    Draw(0, *Raster(spot, 1, 8, {{1}}));
-    EXPECT_EQ(text, "");
-    EXPECT_EQ(log.Count("CreateDeviceNConnectionSpaceDelegate failed!"), 1);
+TEST_F(Images, TintsKeepTheirInk) {
+    const auto spot = MakeObject<FakeSeparationSpace>(
+        "Orange", cmyk,
+        MakeObject<FakeExponential>(4, std::vector<float>(4), std::vector<float>{0, 0.5F, 1, 0},
+                                    1.0F));
+    Draw(0, *Raster(spot, 2, 8, {{0, 200}}));
+    EXPECT_EQ(Run("currentcolorspace dup 0 get == 1 get =="), "/Separation\n(Orange)\n");
+    EXPECT_EQ(Tints("1"), "0 100 50 0 ");
+    EXPECT_EQ(Entry("Decode"), "[0 1]");
+    EXPECT_EQ(samples, (Line{0, 200}));
+    EXPECT_EQ(log.Messages(), "");
 }
 
 class IndexedImages : public ImageFixture {

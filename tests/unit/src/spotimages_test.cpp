@@ -32,12 +32,6 @@ protected:
         return channel;
     }
 
-    /// What the tint transform of the current space makes of tints, in hundredths.
-    std::string Tints(const std::string& tints) {
-        return Run("currentcolorspace 3 get /transform exch def " + tints +
-                   " transform count {100 mul round cvi =string cvs print ( ) print} repeat");
-    }
-
     TInterfacePtr<FakeSeparationSpace> orange = Spot("Orange");
 };
 
