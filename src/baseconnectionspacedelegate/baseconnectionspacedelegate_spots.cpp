@@ -18,7 +18,6 @@ namespace VANTIX::RENDERING {
 namespace {
 
 using COLOR::IConnectionColorSpace;
-using COLOR::IDeviceNConnectionColorSpace;
 using COLOR::TRenderingIntent;
 using GRAPHICS::IChannelData;
 using GRAPHICS::IChannelDesc;

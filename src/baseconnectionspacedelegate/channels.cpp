@@ -16,6 +16,15 @@ GRAPHICS::IChannelData* ProcessData(const GRAPHICS::IRasterComponent& raster, st
     return channel == nullptr ? nullptr : channel->GetData();
 }
 
+bool HasProcessData(const GRAPHICS::IRasterComponent& raster) {
+    for (std::int32_t i = 0; i < raster.GetPrimaryCount(); ++i) {
+        if (ProcessData(raster, i) != nullptr) {
+            return true;
+        }
+    }
+    return false;
+}
+
 const GRAPHICS::IChannelDesc* AlphaChannel(const GRAPHICS::IRasterComponent& raster) {
     const GRAPHICS::IChannelDesc* channel =
         raster.GetExtraCount() > 0 ? raster.GetExtra(0) : nullptr;

@@ -14,6 +14,9 @@ bool IsMaskedOut(const GRAPHICS::IRasterComponent& raster, std::int32_t index);
 /// absent.
 GRAPHICS::IChannelData* ProcessData(const GRAPHICS::IRasterComponent& raster, std::int32_t index);
 
+/// Whether any primary has data. Beside these, the samples of spots are complements, too.
+bool HasProcessData(const GRAPHICS::IRasterComponent& raster);
+
 /// The alpha channel (borrowed), which is always extra channel 0; null when there is none.
 const GRAPHICS::IChannelDesc* AlphaChannel(const GRAPHICS::IRasterComponent& raster);
 

@@ -67,15 +67,6 @@ bool Select(std::size_t index, std::uint64_t& selection) {
     return true;
 }
 
-bool HasProcessData(const IRasterComponent& raster) {
-    for (std::int32_t i = 0; i < raster.GetPrimaryCount(); ++i) {
-        if (ProcessData(raster, i) != nullptr) {
-            return true;
-        }
-    }
-    return false;
-}
-
 /// Whether the channels that an image is to be made of can be: as many of them as a pixel may have,
 /// all of one depth, which several of them cannot have packed.
 bool CanInterleave(const IRasterComponent& raster, const std::vector<const IChannelDesc*>& spots,

@@ -147,16 +147,6 @@ std::uint32_t JoinProcessInks(const IRasterComponent& raster, std::vector<Group>
     return joined;
 }
 
-/// Whether samples are complements: those of spots are where there are process inks beside them.
-bool HasComplements(const IRasterComponent& raster) {
-    for (std::int32_t i = 0; i < raster.GetPrimaryCount(); ++i) {
-        if (ProcessData(raster, i) != nullptr) {
-            return true;
-        }
-    }
-    return false;
-}
-
 bool AddSpot(IClassFactory& factory, const IRasterComponent& raster, Group& group,
              std::int32_t index, IRasterComponent& target) {
     if (group.members.size() == 1) {
@@ -172,7 +162,7 @@ bool AddSpot(IClassFactory& factory, const IRasterComponent& raster, Group& grou
     }
     merged->SetSeparationSpace(group.first->GetSeparationSpace());
     const auto data = MakeObject<MergedChannelData>(std::move(group.members), width, bits,
-                                                    HasComplements(raster));
+                                                    HasProcessData(raster));
     merged->SetData(data.Get());
     return target.AddExtra(merged.Get()) == STATUS::kOk;
 }
