@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/libsupport/vlogger/logmessage.h"
+#include "postscriptconnectionspace/colorroute.h"
 
 namespace VANTIX {
 
@@ -35,10 +36,6 @@ private:
     TextBuffer& mText;
     std::size_t mBound;
 };
-
-bool IsCount(std::int32_t count) {
-    return count > 0 && count <= COLOR::kMaxComponents;
-}
 
 void Level2Writer::WriteExponential(const COLOR::IExponentialFunction& function) {
     const std::int32_t outputs = function.GetOutputCount();
@@ -166,7 +163,8 @@ void Level2Writer::WriteSampledInks(const COLOR::IColorFunction& function) {
 
 bool Level2Writer::Write(const COLOR::IColorFunction& function, int depth) {
     const std::int32_t inputs = function.GetInputCount();
-    if (depth > kMaxDepth || !IsCount(inputs) || !IsCount(function.GetOutputCount())) {
+    if (depth > kMaxDepth || !IsComponentCount(inputs) ||
+        !IsComponentCount(function.GetOutputCount())) {
         return false;
     }
     if (ReachedBound()) {

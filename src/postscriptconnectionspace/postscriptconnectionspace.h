@@ -8,6 +8,7 @@
 #include <string>
 
 #include "baseconnectionspacedelegate/iconnectionspacedelegate.h"
+#include "core/color/ipatterncolorspaces.h"
 #include "core/graphics/pluginhelper/delegateconnectionspace.h"
 #include "core/io/idictionary.h"
 #include "postscriptdatastream/postscriptstreamstack.h"
@@ -15,6 +16,7 @@
 namespace VANTIX::PS {
 
 class PostScriptOutputContext;
+class TilingPatterPSConnectionSpace;
 
 /// What the policy dictionary asks of a job, with the values that hold for absent keys.
 struct JobPolicy {
@@ -111,7 +113,46 @@ public:
 
     [[nodiscard]] const JobPolicy& GetPolicy() const { return mPolicy; }
 
+    /// Defines the pattern as a resource on the current stream: once recorded, its cell is a
+    /// procedure. `kOk`, or why there is no resource (logged).
+    Status CreateTilePatternDictionary(COLOR::IPatternConnectionColorSpace* pattern, ResourceId id);
+    /// The same for a shading. Nothing but Language Level 3 has them.
+    Status CreateShadingPatternDictionary(COLOR::IShadingPatternConnectionColorSpace* pattern,
+                                          ResourceId id);
+
+    /// Number of pattern cells being recorded around what is drawn here.
+    [[nodiscard]] virtual std::int32_t CellDepth() const { return 0; }
+
+    /// Whether `cell` is one of them.
+    [[nodiscard]] virtual bool IsRecordingCell(const GRAPHICS::IGraphic& /*cell*/) const {
+        return false;
+    }
+
+    /// Number of the last resource with the data of an image in a pattern, for the whole job.
+    virtual std::uint32_t& PatternImageCounter() { return mPatternImages; }
+
 protected:
+    /// A new output context on the streams of this space, or null.
+    virtual TInterfacePtr<PostScriptOutputContext> MakeOutputContext();
+
+    /// Makes the state's overprint for filling or stroking current.
+    virtual void ApplyOverprint(bool fill);
+
+    /// The host's front object (borrowed), or null before `Init`.
+    [[nodiscard]] GRAPHICS::IBaseConnectionSpace* Base() const { return mBase; }
+
+    // Pieces of painting and of images.
+    /// False when nothing may be painted.
+    [[nodiscard]] bool MayPaint();
+    /// The state's colour, unless the job's colours are not set by this space.
+    void ApplyPaintColor(bool fill);
+    void WritePaintOperator(bool fill, bool evenOdd);
+    /// False (logged) when there is no delegate, or nothing to draw.
+    [[nodiscard]] bool MayDrawImage(const GRAPHICS::IRasterComponent* raster);
+    /// Overprint, the place of the image, and the image, between a save and its restore.
+    void PlaceImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
+                    float height);
+
     /// The colour delegate (borrowed), or null.
     [[nodiscard]] RENDERING::IConnectionSpaceDelegate* Delegate();
 
@@ -122,6 +163,12 @@ protected:
     [[gnu::format(printf, 2, 3)]] void WriteOperator(const char* format, ...);
     /// Writes text as it stands on the current stream.
     void WriteText(const char* text);
+
+    PostScriptStreamStack mStreams;
+    JobPolicy mPolicy;
+    TInterfacePtr<PostScriptOutputContext> mContext;
+    /// Transparency groups and soft masks that are open.
+    std::int32_t mGroupDepth = 0;
 
 private:
     struct Point {
@@ -139,18 +186,21 @@ private:
     /// the length; at least one. The current point moves to the last pair.
     template <std::size_t Floats, class Format>
     void WritePoints(const float* points, std::int32_t count, Format format);
-    void ApplyOverprint(bool fill);
     TInterfacePtr<COLOR::IConnectionColorSpace> FindColorSpace(ResourceId id);
     void SetPatternColorSpaceAndColor(COLOR::IPatternConnectionColorSpace* pattern, ResourceId id,
                                       bool fill);
+    /// Writes "/name<<…" of a tiling pattern.
+    void WriteTilePattern(const char* name, const COLOR::IPatternConnectionColorSpace& pattern,
+                          TilingPatterPSConnectionSpace& recorder);
+    /// Makes the dictionary on the operand stack the pattern that it stands for. `matrix` starts
+    /// from the page, or from the group that is open.
+    void WriteMakePattern(const float matrix[6], bool inGroup);
 
-    PostScriptStreamStack mStreams;
     IClassFactory* mFactory = nullptr;
-    JobPolicy mPolicy;
     GRAPHICS::IBaseConnectionSpace* mBase = nullptr;  // uncounted: the aggregation holds it
     std::set<ResourceId> mColorSpaceUses;
-    TInterfacePtr<PostScriptOutputContext> mContext;
     std::map<ResourceId, std::string> mResources;
+    std::uint32_t mPatternImages = 0;
     Point mCurrent;
 };
 

@@ -176,14 +176,18 @@ void PostScriptConnectionSpace::CreateOutputContext(IO::IDataProvider* stream,
     if (policy != nullptr) {
         PushFilters(*filters, *policy);
     }
-    if (IPostScriptDataStream* base = GetBaseStream(); base != nullptr) {
+    if (IPostScriptDataStream* base = mStreams.Base(); base != nullptr) {
         base->Aggregate(filters.Get(), IO::IID_IOUTPUTFILTERSTACK);
     }
-    auto context = MakeObject<PostScriptOutputContext>(mStreams);
-    if (context->Init(mFactory)) {
+    auto context = MakeOutputContext();
+    if (context && context->Init(mFactory)) {
         delegate.Aggregate(context.Get(), IID_IPOSTSCRIPTOUTPUTCONTEXT);
         mContext = std::move(context);
     }
+}
+
+TInterfacePtr<PostScriptOutputContext> PostScriptConnectionSpace::MakeOutputContext() {
+    return MakeObject<PostScriptOutputContext>(mStreams);
 }
 
 bool PostScriptConnectionSpace::Bless() {

@@ -45,16 +45,25 @@ void PostScriptConnectionSpace::Stroke() {
 }
 
 void PostScriptConnectionSpace::PaintPath(bool fill, bool evenOdd) {
-    if (IsDrawingSuppressed()) {
-        return;
+    if (MayPaint()) {
+        ApplyPaintColor(fill);
+        WritePaintOperator(fill, evenOdd);
     }
+}
+
+bool PostScriptConnectionSpace::MayPaint() {
     const RENDERING::IConnectionSpaceDelegate* delegate = Delegate();
-    if (delegate != nullptr && !delegate->CanMarkTheCanvas()) {
-        return;
-    }
+    return !IsDrawingSuppressed() && (delegate == nullptr || delegate->CanMarkTheCanvas());
+}
+
+void PostScriptConnectionSpace::ApplyPaintColor(bool fill) {
+    const RENDERING::IConnectionSpaceDelegate* delegate = Delegate();
     if (delegate == nullptr || delegate->WasDefaultColourSet()) {
         ApplyCurrentColor(fill);
     }
+}
+
+void PostScriptConnectionSpace::WritePaintOperator(bool fill, bool evenOdd) {
     if (!fill) {
         WriteText("gsave stroke grestore\n");
     } else {
@@ -132,32 +141,40 @@ void PostScriptConnectionSpace::FillWithColorSpace(COLOR::IConnectionColorSpace*
     delegate->FillWithColorSpace(space, id, x, y, width, height, true);
 }
 
-void PostScriptConnectionSpace::DrawImage(GRAPHICS::IRasterComponent* raster, float x, float y,
-                                          float width, float height) {
+bool PostScriptConnectionSpace::MayDrawImage(const GRAPHICS::IRasterComponent* raster) {
     if (IsDrawingSuppressed()) {
-        return;
+        return false;
     }
-    RENDERING::IConnectionSpaceDelegate* delegate = Delegate();
-    if (delegate == nullptr) {
+    if (Delegate() == nullptr) {
         LogError(kModule) << "No delegate around to handle image";
-        return;
+        return false;
     }
-    if (!mContext || raster == nullptr) {
-        return;
-    }
+    return mContext && raster != nullptr;
+}
+
+void PostScriptConnectionSpace::PlaceImage(GRAPHICS::IRasterComponent& raster, float x, float y,
+                                           float width, float height) {
     if (height < 0) {
         y += height;
         height = -height;
     }
-    WriteText("%%START OF THE IMAGE DRAW FUNCTION\n");
-    mContext->GSave();
     ApplyOverprint(true);
     if (mPolicy.flipImages) {
         Scale(1, -1);
         Translate(0, -height);
     }
     mContext->TranslateAndScale(x, y, width, height);
-    delegate->Image(*raster, x, y, width, height);
+    Delegate()->Image(raster, x, y, width, height);
+}
+
+void PostScriptConnectionSpace::DrawImage(GRAPHICS::IRasterComponent* raster, float x, float y,
+                                          float width, float height) {
+    if (!MayDrawImage(raster)) {
+        return;
+    }
+    WriteText("%%START OF THE IMAGE DRAW FUNCTION\n");
+    mContext->GSave();
+    PlaceImage(*raster, x, y, width, height);
     WriteText("\n");
     mContext->GRestore();
     WriteText("\n%%END OF THE IMAGE DRAW FUNCTION\n");

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -153,6 +155,11 @@ protected:
     /// Writes operator text to the current stream, past the filters.
     void WriteText(std::string_view text) const;
 
+    /// Defines `name` as a reusable stream (PostScript Language Reference, 3.13.2) over the `size`
+    /// bytes of `data`, where image data go.
+    virtual void WriteReusableStream(const std::string& name, const std::uint8_t* data,
+                                     std::int32_t size);
+
 private:
     using ResourceKey = std::pair<GUID, COLOR::TRenderingIntent>;
 
@@ -197,6 +204,34 @@ private:
     /// A calculator from `inks` tints to `outputs` components; a new reference, or null.
     COLOR::IColorFunction* CreateInkFunction(const TextBuffer& program, std::int32_t inks,
                                              std::int32_t outputs) const;
+
+    // Shading dictionaries.
+    struct ShadingOptions;
+    struct ShadingJob;
+    struct Gradient;
+    struct MeshKind;
+    /// Looks at everything that could fail, before anything is written. A shading needs a function
+    /// that takes all of `domain`, two floats an input; an empty one leaves it to the shading.
+    std::optional<ShadingJob> PrepareShading(const COLOR::IShadingColorSpace* shading,
+                                             COLOR::IConnectionColorSpace* destination,
+                                             const ShadingOptions& options,
+                                             std::span<const float> domain) const;
+    /// Begins a dictionary with what all types share. The entries behind the colour space stay in
+    /// the text, which the caller continues.
+    void WriteShadingDictionaryCommon(const ShadingJob& job);
+    /// Writes the text and the function, if there is one.
+    void WriteShadingFunction(const ShadingJob& job);
+    /// Closes the dictionary with the text, and paints if that was asked.
+    void FinishShading(const ShadingJob& job);
+    bool WriteGradientDictionary(const COLOR::IShadingColorSpace& shading,
+                                 COLOR::IConnectionColorSpace* destination,
+                                 const ShadingOptions& options, const Gradient& gradient);
+    bool WriteMeshDictionary(const COLOR::IMeshShadingColorSpace* mesh,
+                             COLOR::IConnectionColorSpace* destination,
+                             const ShadingOptions& options, const MeshKind& kind);
+    /// `converted` is the number of components that colours were converted into, 0 for none.
+    void AppendMeshEntries(const COLOR::IMeshShadingColorSpace& mesh, const MeshKind& kind,
+                           std::int32_t converted);
 
     PostScriptStreamStack& mStreams;
     IClassFactory* mFactory = nullptr;                   // outlives every job

@@ -32,7 +32,7 @@ void PostScriptOutputContext::AppendImageDictionary(TextBuffer& text, std::int32
                                                     std::int32_t bitsPerComponent,
                                                     std::string_view colour, const char* decode,
                                                     bool imageMask, std::string_view source) {
-    if (imageMask || !colour.empty()) {
+    if (!colour.empty()) {
         text.Append(colour);
         text.Append(imageMask ? " setcolor\n" : " setcolorspace\n");
     }

@@ -21,11 +21,12 @@ constexpr const char* kCreateDataArray =
 TilePatternPSOutputContext::TilePatternPSOutputContext(PostScriptStreamStack& streams,
                                                        IPostScriptDataStream& outer,
                                                        std::int32_t languageLevel,
-                                                       std::uint32_t lastImage)
+                                                       std::uint32_t& lastImage, bool coloured)
     : PostScriptOutputContext(streams),
       mOuter(outer),
       mLanguageLevel(languageLevel),
-      mImage(lastImage) {}
+      mImage(lastImage),
+      mIsColoured(coloured) {}
 
 IO::IOutputFilterStack* TilePatternPSOutputContext::DataFilters() const {
     return mIsCollecting
@@ -42,6 +43,7 @@ void TilePatternPSOutputContext::WriteOuter(const TextBuffer& text) {
 
 void TilePatternPSOutputContext::BeginResource() {
     ++mImage;
+    mHasResource = true;
     TextBuffer text(0);
     if (HasStreams()) {
         const std::string names = DecodeFilterNames("");
@@ -57,6 +59,10 @@ void TilePatternPSOutputContext::BeginResource() {
 }
 
 void TilePatternPSOutputContext::EndResource() {
+    if (!mHasResource) {
+        return;
+    }
+    mHasResource = false;
     const char* end = DecodeFilterNames("").empty() ? "\n%%EndBinary" : "";
     TextBuffer text(0);
     if (HasStreams()) {
@@ -72,7 +78,6 @@ void TilePatternPSOutputContext::EndResource() {
 void TilePatternPSOutputContext::BeginImageData() {
     mIsCollecting = true;
     mDictionary.Clear();
-    BeginResource();
 }
 
 void TilePatternPSOutputContext::EndImageData() {
@@ -91,8 +96,11 @@ void TilePatternPSOutputContext::WriteImageDictionary(std::int32_t width, std::i
         return PostScriptOutputContext::WriteImageDictionary(
             width, height, bitsPerComponent, colour, colourLength, decode, imageMask);
     }
+    // Where no image is written, an empty resource would read the document as its data.
+    EndResource();
+    BeginResource();
     const std::string name = "ImageData" + std::to_string(mImage);
-    const std::string_view space = ColourText(colour, colourLength);
+    const std::string_view space = ColourText(colour, mIsColoured ? colourLength : 0);
     if (HasStreams()) {
         mDictionary.Format("%s 0 setfileposition\n", name.c_str());
     } else {
@@ -111,7 +119,6 @@ void TilePatternPSOutputContext::AssociateSoftMaskImage(std::int32_t image) {
     }
     EndResource();
     PostScriptOutputContext::AssociateSoftMaskImage(image);
-    BeginResource();
 }
 
 }  // namespace VANTIX::PS

@@ -13,25 +13,24 @@ namespace VANTIX::PS {
 class TilePatternPSOutputContext : public PostScriptOutputContext {
 public:
     /// `streams` holds the procedure and must outlive the context, as must `outer` (not
-    /// referenced), which takes the resources. `lastImage` is the number of the last resource that
-    /// earlier patterns of the document made.
+    /// referenced), which takes the resources, and `lastImage`, the number of the last resource
+    /// that the patterns of the document made. Image masks of a pattern that is not `coloured` have
+    /// the colour that it is selected with.
     TilePatternPSOutputContext(PostScriptStreamStack& streams, IPostScriptDataStream& outer,
-                               std::int32_t languageLevel, std::uint32_t lastImage = 0);
-
-    /// Number of the last resource made.
-    [[nodiscard]] std::uint32_t LastImage() const { return mImage; }
+                               std::int32_t languageLevel, std::uint32_t& lastImage,
+                               bool coloured = true);
 
     IPostScriptDataStream* GetBaseDataStream() override { return &mOuter; }
 
-    /// Begins a resource for the data of one image.
+    /// Brackets one image, or one shading, whose data go ahead. An image's dictionary begins a
+    /// resource for the data that follow, and the end moves the dictionary into the procedure.
     void BeginImageData() override;
-    /// Ends the resource and writes the dictionary that reads it.
     void EndImageData() override;
     void WriteImageDictionary(std::int32_t width, std::int32_t height,
                               std::int32_t bitsPerComponent, const char* colour,
                               std::int32_t colourLength, const char* decode,
                               bool imageMask) override;
-    /// Ends the image's resource and begins the one of its mask.
+    /// Ends the image's resource; the mask's dictionary begins one of its own.
     void AssociateSoftMaskImage(std::int32_t image) override;
 
 protected:
@@ -42,14 +41,17 @@ private:
     [[nodiscard]] bool HasStreams() const { return mLanguageLevel >= 3; }
 
     void BeginResource();
-    /// Ends the resource, and moves the dictionary that reads it into the procedure.
+    /// Ends the resource, if there is one, and moves the dictionary that reads it into the
+    /// procedure.
     void EndResource();
     void WriteOuter(const TextBuffer& text);
 
     IPostScriptDataStream& mOuter;
     std::int32_t mLanguageLevel;
-    std::uint32_t mImage;
+    std::uint32_t& mImage;
+    bool mIsColoured;
     bool mIsCollecting = false;
+    bool mHasResource = false;
     TextBuffer mDictionary{0};
 };
 

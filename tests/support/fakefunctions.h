@@ -152,38 +152,55 @@ class FakeSampled
 public:
     using FakeLambdaFunction::FakeLambdaFunction;
 
+    /// The samples are not looked at when the function is evaluated. Empty vectors stand for absent
+    /// entries.
+    std::vector<std::int32_t> sizes;
+    std::vector<float> encode;
+    std::vector<float> decode;
     std::vector<std::uint8_t> samples;
+    /// What they become in another space; empty: they cannot be converted.
+    std::vector<std::uint8_t> converted;
+    std::int32_t bits = 8;
 
-    std::int32_t GetBitsPerSample() const override { return 8; }
+    std::int32_t GetBitsPerSample() const override { return bits; }
 
-    const std::int32_t* GetSizes() const override { return nullptr; }
+    const std::int32_t* GetSizes() const override { return sizes.empty() ? nullptr : sizes.data(); }
 
     std::int32_t GetOrder() const override { return 1; }
 
-    const float* GetEncode() const override { return nullptr; }
+    const float* GetEncode() const override { return OrNull(encode); }
 
-    const float* GetDecode() const override { return nullptr; }
+    const float* GetDecode() const override { return OrNull(decode); }
 
     const std::vector<std::uint8_t>& GetSamples() const override { return samples; }
 
     bool ConvertSamples(const COLOR::IConnectionColorSpace& /*source*/,
                         const COLOR::IConnectionColorSpace& /*destination*/,
                         COLOR::TRenderingIntent /*first*/, COLOR::TRenderingIntent /*second*/,
-                        std::uint8_t* /*out*/, std::int32_t* /*size*/) const override {
-        return false;
+                        std::uint8_t* out, std::int32_t* size) const override {
+        *size = static_cast<std::int32_t>(converted.size());
+        if (out != nullptr) {
+            std::copy(converted.begin(), converted.end(), out);
+        }
+        return !converted.empty();
     }
 };
 
-/// An array of functions: a kind that has no procedure form.
+/// An array of functions, which has no procedure form. It is evaluated by its rule; members are
+/// only written, and null ones are allowed.
 class FakeFunctionArray
     : public FakeLambdaFunction<COLOR::IFunctionArray, COLOR::IID_IFUNCTIONARRAY> {
 public:
     using FakeLambdaFunction::FakeLambdaFunction;
 
-    std::int32_t GetFunctionCount() const override { return 0; }
+    std::vector<TInterfacePtr<COLOR::IColorFunction>> members;
 
-    const COLOR::IColorFunction* GetFunction(std::int32_t /*index*/) const override {
-        return nullptr;
+    std::int32_t GetFunctionCount() const override {
+        return static_cast<std::int32_t>(members.size());
+    }
+
+    const COLOR::IColorFunction* GetFunction(std::int32_t index) const override {
+        return members.at(static_cast<std::size_t>(index)).Get();
     }
 };
 

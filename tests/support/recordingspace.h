@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "core/color/iconnectioncolorspace.h"
+#include "core/color/ipatterncolorspaces.h"
 #include "core/graphics/irastercomponent.h"
 #include "core/graphics/pluginhelper/delegateconnectionspace.h"
 
@@ -94,7 +97,138 @@ public:
         calls += isUnit ? "\n" : " elsewhere\n";
     }
 
+    /// "shading axial rgb power coords 0 0 9 0 domain 0 1 extend 0 1 rect 0 0 100 100": kind, space
+    /// and function ("-" without), then what the kind has, background, box and rectangle. The
+    /// second number of a shading makes it "shading2", and so on.
+    void FillWithColorSpace(COLOR::IConnectionColorSpace* space, ResourceId id, float x, float y,
+                            float width, float height) override {
+        const auto known = std::find(mShadingIds.begin(), mShadingIds.end(), id);
+        const auto order = known - mShadingIds.begin() + 1;
+        if (known == mShadingIds.end()) {
+            mShadingIds.push_back(id);
+        }
+        calls += "shading" + (order > 1 ? std::to_string(order) : "");
+        TellGradients(space);
+        TellMeshes(space);
+        if (const auto* f = FindInterface<COLOR::IFunctionShadingColorSpace>(
+                space, COLOR::IID_IFUNCTIONSHADING)) {
+            float domain[4];
+            float matrix[6];
+            f->GetDomain(domain);
+            f->GetMatrix(matrix);
+            TellCommon("function", *f);
+            Append("domain", domain, 4);
+            Append("matrix", matrix, 6);
+        }
+        Write(" rect", {x, y, width, height});
+    }
+
 private:
+    void Append(const char* name, const float* numbers, std::int32_t count) {
+        calls += ' ';
+        Write(name, numbers, count);
+        calls.pop_back();
+    }
+
+    static std::string FunctionText(const COLOR::IColorFunction* function) {
+        const auto list = [](const auto* owner) {
+            std::string text;
+            for (std::int32_t i = 0; i < owner->GetFunctionCount(); ++i) {
+                text += (i > 0 ? "," : "") + FunctionText(owner->GetFunction(i));
+            }
+            return text;
+        };
+        if (const auto* stitching =
+                FindInterface<COLOR::IStitchingFunction>(function, COLOR::IID_ISTITCHINGFUNCTION)) {
+            return '(' + list(stitching) + ')';
+        }
+        if (const auto* array =
+                FindInterface<COLOR::IFunctionArray>(function, COLOR::IID_IFUNCTIONARRAY)) {
+            return '[' + list(array) + ']';
+        }
+        if (const auto* table =
+                FindInterface<COLOR::ISampledFunction>(function, COLOR::IID_ISAMPLEDFUNCTION)) {
+            return "table" + std::to_string(table->GetSizes()[0]);
+        }
+        return FindInterface<IObject>(function, COLOR::IID_IEXPONENTIALFUNCTION) == nullptr
+                   ? "-"
+                   : "power";
+    }
+
+    void TellCommon(const char* kind, const COLOR::IShadingColorSpace& shading) {
+        calls += ' ' + std::string(kind) + ' ' + SpaceText(shading.GetShadingSpace()) + ' ' +
+                 FunctionText(shading.GetFunction());
+        std::int32_t count = 0;
+        if (const float* background = shading.GetBackground(count)) {
+            Append("background", background, count);
+        }
+        float box[4];
+        if (shading.GetBoundingBox(box)) {
+            Append("box", box, 4);
+        }
+    }
+
+    template <class Gradient>
+    void TellGradient(const char* kind, const Gradient* gradient, std::int32_t count) {
+        if (gradient == nullptr) {
+            return;
+        }
+        float coordinates[6];
+        float domain[2];
+        bool start = false;
+        bool end = false;
+        gradient->GetCoordinates(coordinates);
+        gradient->GetDomain(domain);
+        gradient->GetExtend(start, end);
+        TellCommon(kind, *gradient);
+        Append("coords", coordinates, count);
+        Append("domain", domain, 2);
+        calls += std::string(" extend ") + (start ? "1 " : "0 ") + (end ? '1' : '0');
+    }
+
+    void TellGradients(COLOR::IConnectionColorSpace* space) {
+        TellGradient(
+            "axial",
+            FindInterface<COLOR::IAxialShadingPatternColorSpace>(space, COLOR::IID_IAXIALSHADING),
+            4);
+        TellGradient(
+            "radial",
+            FindInterface<COLOR::IRadialShadingPatternColorSpace>(space, COLOR::IID_IRADIALSHADING),
+            6);
+    }
+
+    /// "mesh 8/16/8" stands for the bits of flags, coordinates and components.
+    void TellMesh(const char* kind, const COLOR::IMeshShadingColorSpace& mesh) {
+        TellCommon(kind, mesh);
+        std::int32_t size = 0;
+        std::int32_t count = 0;
+        const float* decode = mesh.GetDecode(count);
+        const std::uint8_t* data = mesh.GetMeshData(size);
+        calls += " mesh " + std::to_string(mesh.GetBitsPerFlag()) + '/' +
+                 std::to_string(mesh.GetBitsPerCoordinate()) + '/' +
+                 std::to_string(mesh.GetBitsPerComponent());
+        Append("decode", decode, count);
+        calls += ' ' + Hex(data, static_cast<std::size_t>(size));
+    }
+
+    void TellMeshes(COLOR::IConnectionColorSpace* space) {
+        if (const auto* mesh = FindInterface<COLOR::IFreeFormTriangleMeshesShadingColorSpace>(
+                space, COLOR::IID_IFREEFORMMESHSHADING)) {
+            TellMesh("triangles", *mesh);
+        }
+        if (const auto* mesh = FindInterface<COLOR::ILatticeFormTriangleMeshesShadingColorSpace>(
+                space, COLOR::IID_ILATTICEMESHSHADING)) {
+            const std::string kind = "rows" + std::to_string(mesh->GetVerticesPerRow());
+            TellMesh(kind.c_str(), *mesh);
+        }
+        if (const auto* mesh = FindInterface<COLOR::ITensorShadingPatternColorSpace>(
+                space, COLOR::IID_ITENSORSHADING)) {
+            const bool isCoons =
+                FindInterface<IObject>(space, COLOR::IID_ICOONSPATCHMARKER) != nullptr;
+            TellMesh(isCoons ? "coons" : "tensor", *mesh);
+        }
+    }
+
     static std::string Hex(const std::uint8_t* bytes, std::size_t count) {
         std::string text;
         for (std::size_t i = 0; i < count; ++i) {
@@ -165,6 +299,8 @@ private:
         }
         Write(label.c_str(), values, count);
     }
+
+    std::vector<ResourceId> mShadingIds;
 };
 
 }  // namespace VANTIX::TESTS

@@ -404,8 +404,10 @@ TEST_F(ConnectionSpace, PatternsThatAreNotDefinedAreReported) {
     space->Fill();
     EXPECT_EQ(log.Messages(),
               "cannot add a NULL colorspace.\n"
+              "Do not find any PaintProc for the Pattern.\n"
               "Unable to craete the Tile Pattern Dictionary.\n"
               "Unable to craete the Shading Pattern Dictionary (Type 2 Pattern Resource).!!!\n"
+              "Do not find any PaintProc for the Pattern.\n"
               "Unable to create the Tile Pattern Dictionary.\n"
               "Either No Pattern Resource or failed to craete the pattern resource.\n");
 }

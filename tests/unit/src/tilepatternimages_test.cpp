@@ -32,7 +32,7 @@ protected:
 
     void Begin(std::int32_t level, const std::vector<std::int32_t>& codes) {
         outerFilters->filters = codes;
-        pattern = MakeObject<TilePatternPSOutputContext>(streams, *outer, level, 6U);
+        pattern = MakeObject<TilePatternPSOutputContext>(streams, *outer, level, lastImage);
         pattern->Init(factory.Get());
     }
 
@@ -66,6 +66,7 @@ protected:
     TInterfacePtr<FakeFilterStack> outerFilters = MakeObject<FakeFilterStack>();
     TInterfacePtr<IPostScriptDataStream> outer =
         TInterfacePtr<IPostScriptDataStream>::Adopt(CreatePostscriptDataStream(outerPage.Get()));
+    std::uint32_t lastImage = 6;
     TInterfacePtr<TilePatternPSOutputContext> pattern;
 };
 
@@ -73,7 +74,7 @@ TEST_F(TilePatternImages, StreamsAreRewoundEachTimeThePatternIsPainted) {
     Begin(3, {});
     Image("/DeviceGray", false, "AAAA");
     Image("1", true, "BB");
-    EXPECT_EQ(pattern->LastImage(), 8U);
+    EXPECT_EQ(lastImage, 8U);
     EXPECT_EQ(Painted(), "AAAA\n|1.0 BB\n|AAAA\n|1.0 BB\n|");
 }
 
