@@ -18,11 +18,13 @@
 #include "pdf/contentparser.h"
 #include "pdf/forms.h"
 #include "pdf/images.h"
+#include "pdf/objects.h"
 #include "pdf/optionalcontent.h"
 #include "pdf/path.h"
 #include "pdf/qpdfheaders.h"
 #include "pdf/reporter.h"
 #include "pdf/resources.h"
+#include "pdf/shadings.h"
 
 namespace VANTIX::PDF {
 
@@ -33,11 +35,13 @@ struct PlayContext {
     OptionalContent& optionalContent;
     FormCache& forms;
     ImageDataReader& imageData;
+    Shadings& shadings;
     Reporter& reporter;
     /// Overrides the intents of the content.
     std::optional<COLOR::TRenderingIntent> intent;
     /// The opacity of images goes on with them; else it is mixed with white paper.
     bool keepsAlpha = false;
+    std::int32_t languageLevel = 3;
 };
 
 /// Plays the content of one page, of its forms and of its annotations into the connection space
@@ -143,6 +147,9 @@ private:
     struct Level {
         std::array<double, 6> matrix{1, 0, 0, 1, 0, 0};
         bool isCollapsed = false;  // a matrix of no use is in force
+        /// Where the boxes that clip leave something, before all matrices.
+        std::array<double, 4> clipBox{-kLargestNumber, -kLargestNumber, kLargestNumber,
+                                      kLargestNumber};
         const ColorSpaceEntry* fillSpace = nullptr;
         const ColorSpaceEntry* strokeSpace = nullptr;
         LineState line;
@@ -185,6 +192,8 @@ private:
     void GraphicsStateDictionary(Numbers);
     void SetDash(std::vector<float> lengths, float phase);
     void SetIntent(const std::string& name);
+    /// Bounds, in user space, of what the boxes of page and forms leave.
+    std::array<double, 4> ClipBounds();
     struct Settings;
 
     // contentinterpreter_path.cpp
@@ -228,6 +237,10 @@ private:
     void Select(bool fill, const ColorSpaceEntry& space);
 
     HOST::CurrentColor& ColorOf(bool fill) { return fill ? State().fill : State().stroke; }
+
+    // contentinterpreter_shading.cpp
+    void FillShading(Numbers);
+    void DrawShadingRaster(const Shading& shading);
 
     // contentinterpreter_xobject.cpp
     void XObject(Numbers);

@@ -79,6 +79,16 @@ void ContentInterpreter::ClipToBox(const std::array<double, 4>& box) {
     path.PlayTo(mContext.space);
     mContext.space.Clip();
     mContext.space.NewPath();
+    std::array<double, 4>& clip = Top().clipBox;
+    const std::array<double, 4> bounds = TransformBox(Top().matrix, box);
+    for (std::size_t i = 0; i < 2; ++i) {
+        clip[i] = std::max(clip[i], bounds[i]);
+        clip[i + 2] = std::max(clip[i], std::min(clip[i + 2], bounds[i + 2]));
+    }
+}
+
+std::array<double, 4> ContentInterpreter::ClipBounds() {
+    return TransformBox(Invert(Top().matrix), Top().clipBox);
 }
 
 void ContentInterpreter::LineWidth(Numbers v) {

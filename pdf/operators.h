@@ -22,8 +22,6 @@ struct Operators {
 
     static constexpr char kText[] = "text";
     static constexpr char kTextMessage[] = "Text is left out";
-    static constexpr char kShading[] = "shading";
-    static constexpr char kShadingMessage[] = "A shading is left out";
 
     static constexpr auto kEntries = std::to_array<Entry>({
         // Graphics state
@@ -71,7 +69,7 @@ struct Operators {
         {"rg", 3, &CI::DeviceColor<true, 1>},
         {"K", 4, &CI::DeviceColor<false, 2>},
         {"k", 4, &CI::DeviceColor<true, 2>},
-        {"sh", 0, &CI::Skip<kShading, kShadingMessage>},
+        {"sh", 0, &CI::FillShading},
         // XObjects, images, marked content
         {"Do", 0, &CI::XObject},
         {"BI", 0, &CI::Ignore},

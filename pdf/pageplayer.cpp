@@ -12,6 +12,7 @@
 #include "pdf/objects.h"
 #include "pdf/optionalcontent.h"
 #include "pdf/resources.h"
+#include "pdf/shadings.h"
 
 namespace VANTIX::PDF {
 
@@ -25,8 +26,17 @@ struct PagePlayer::Parts {
                       {theOptions.languageLevel, theOptions.embedProfiles}, reporter),
           optionalContent(theDocument.Qpdf()),
           forms(colorSpaces, reporter),
-          context{space,     colorSpaces, optionalContent,   forms,
-                  imageData, reporter,    theOptions.intent, theOptions.keepsAlpha} {}
+          shadings(colorSpaces, reporter),
+          context{space,
+                  colorSpaces,
+                  optionalContent,
+                  forms,
+                  imageData,
+                  shadings,
+                  reporter,
+                  theOptions.intent,
+                  theOptions.keepsAlpha,
+                  theOptions.languageLevel} {}
 
     void PlayContent(ContentInterpreter& interpreter, int index, Resources& resources);
     void PlayPage(int index);
@@ -40,6 +50,7 @@ struct PagePlayer::Parts {
     OptionalContent optionalContent;
     FormCache forms;
     ImageDataReader imageData;
+    Shadings shadings;
     PlayContext context;
 };
 

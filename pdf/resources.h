@@ -32,8 +32,12 @@ public:
     /// The space that operators cs and CS name, or null when there is none.
     const ColorSpaceEntry* FindColorSpace(std::string_view name);
 
-    /// The space that the dictionary of an image names or describes, or null when there is none.
+    /// The space that the dictionary of an image or a shading names or describes, or null when
+    /// there is none.
     const ColorSpaceEntry* FindColorSpace(const QPDFObjectHandle& object);
+
+    /// Equal for resources that give the device spaces the same meaning.
+    std::uint32_t DefaultsKey() { return Defaults().key; }
 
     /// What g, rg and k select here.
     const ColorSpaceEntry& DeviceSpace(std::size_t index);

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "pdf/contentinterpreter.h"
+#include "pdf/objects.h"
+#include "pdf/shadingpictures.h"
+#include "pdf/shadings.h"
+
+namespace VANTIX::PDF {
+
+void ContentInterpreter::FillShading(Numbers) {
+    const std::optional<std::string_view> name = LastName();
+    if (!name || IsHidden() || Top().isCollapsed || State().fillAlpha <= 0.0F) {
+        return;
+    }
+    const QPDFObjectHandle object = mFrame.resources->Find("/Shading", *name);
+    if (IsNull(object)) {
+        mContext.reporter.Warn("missing-resource", "There is no shading " + std::string(*name));
+        return;
+    }
+    const std::shared_ptr<const Shading> shading =
+        mContext.shadings.Find(object, *mFrame.resources);
+    if (!shading) {
+        return;
+    }
+    if (mContext.languageLevel < 3) {
+        DrawShadingRaster(*shading);
+        return;
+    }
+    mContext.colorSpaces.UseForImage(*shading->space);
+    const auto [x0, y0, x1, y1] = shading->box.value_or(ClipBounds());
+    mContext.space.FillWithColorSpace(shading->shading.Get(), shading->id, ToFloat(x0), ToFloat(y0),
+                                      ToFloat(x1 - x0), ToFloat(y1 - y0));
+}
+
+// Language level 2 has no shading dictionaries.
+void ContentInterpreter::DrawShadingRaster(const Shading& shading) {
+    constexpr double kDotsPerUnit = 150.0 / 72.0;
+    const std::array<double, 6>& matrix = Top().matrix;
+    const double scale = std::sqrt(std::abs(matrix[0] * matrix[3] - matrix[1] * matrix[2]));
+    std::vector<ShadingPicture> pictures =
+        PicturesOf(*shading.shading, ClipBounds(), scale * kDotsPerUnit,
+                   mContext.colorSpaces.Named("DeviceRGB", {})->space);
+    if (pictures.empty()) {
+        mContext.reporter.Warn("shading", "A shading is left out: language level 2 has none");
+        return;
+    }
+    const ScopedLevel level(*this);
+    if (!level.IsSaved()) {
+        return;
+    }
+    mContext.colorSpaces.UseForImage(*shading.space);
+    if (shading.box) {
+        ClipToBox(*shading.box);
+    }
+    for (ShadingPicture& picture : pictures) {
+        const ScopedLevel place(*this);
+        if (!place.IsSaved() || !Concat(picture.place)) {
+            continue;
+        }
+        if (picture.mask) {
+            PaintClipped(std::move(picture.image), *picture.mask, "A shading");
+        } else {
+            PaintRaster(std::move(picture.image), "A shading");
+        }
+    }
+}
+
+}  // namespace VANTIX::PDF
