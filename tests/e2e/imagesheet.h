@@ -72,6 +72,13 @@ public:
         return Draw(name, before + " " + Object(entries, data) + " Do");
     }
 
+    /// A cell full of a shading.
+    Cell& Shading(const std::string& name, const std::string& shading) {
+        const std::string key = "S" + std::to_string(mCells.size());
+        mShadings += "/" + key + " " + shading + " ";
+        return Draw(name, "0 0 1 1 re W n /" + key + " sh");
+    }
+
     Cell& Inline(const std::string& name, const std::string& entries, const std::string& data) {
         return Draw(name, "BI " + entries + " ID " + data + "\nEI");
     }
@@ -79,7 +86,9 @@ public:
     [[nodiscard]] const std::vector<Cell>& Cells() const { return mCells; }
 
     [[nodiscard]] std::string Pdf() const {
-        return PageOf(mContent, "/XObject << " + mImages + ">> /ColorSpace << " + mSpaces + ">>",
+        return PageOf(mContent,
+                      "/XObject << " + mImages + ">> /ColorSpace << " + mSpaces +
+                          ">> /Shading << " + mShadings + ">>",
                       mObjects,
                       "/MediaBox [0 0 " + std::to_string(kPitchX * kColumns) + " " +
                           std::to_string(kPageHeight) + "]");
@@ -116,6 +125,7 @@ private:
     std::string mContent;
     std::string mImages;
     std::string mSpaces;
+    std::string mShadings;
 };
 
 }  // namespace VANTIX::TEST

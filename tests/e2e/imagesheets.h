@@ -36,6 +36,8 @@ std::span<const SheetCase> ImageSheets();
 const SheetCase& ImageSheet(std::string_view name);
 
 /// Expects the judged cells of a page, or plate, to look like those of the PDF's.
-void CompareCells(const Sheet& sheet, const PageImage& page, const PageImage& reference);
+/// With `atEdges` false only away from edges.
+void CompareCells(const Sheet& sheet, const PageImage& page, const PageImage& reference,
+                  bool atEdges = true);
 
 }  // namespace VANTIX::TEST

@@ -1,0 +1,366 @@
+// SPDX-License-Identifier: MIT
+// Smooth shadings, painted with the operator sh.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <ostream>
+
+#include "e2e/imagesheets.h"
+#include "e2e/tool.h"
+#include "support/ghostscriptpages.h"
+#include "support/iccprofiles.h"
+#include "support/temporaryfolder.h"
+
+namespace VANTIX::TEST {
+namespace {
+
+/// A space for shadings, and colours in it as an exponential function has them.
+struct ShadingSpace {
+    const char* name;
+    std::string (*text)(Sheet& sheet);
+    std::vector<double> first;
+    std::vector<double> last;
+    bool hasPlates = false;
+    bool isManaged = false;  ///< shows as in the PDF with its profile
+};
+
+void PrintTo(const ShadingSpace& space, std::ostream* out) {
+    *out << space.name;
+}
+
+std::string Numbers(const std::vector<double>& values) {
+    std::string text;
+    for (const double value : values) {
+        text += std::to_string(value) + " ";
+    }
+    return text;
+}
+
+/// From the first to the last colour of a space.
+std::string Exponential(const ShadingSpace& space, const char* exponent) {
+    return "<< /FunctionType 2 /Domain [0 1] /C0 [" + Numbers(space.first) + "] /C1 [" +
+           Numbers(space.last) + "] /N " + exponent + " >>";
+}
+
+/// Numbers packed into bits.
+class BitWriter {
+public:
+    void Put(std::uint32_t value, unsigned bits) {
+        for (unsigned i = bits; i-- > 0; ++mCount) {
+            if (mCount % 8 == 0) {
+                mBytes += '\0';
+            }
+            const unsigned bit = (value >> i & 1U) << (7 - mCount % 8);
+            mBytes.back() = static_cast<char>(static_cast<unsigned char>(mBytes.back()) | bit);
+        }
+    }
+
+    void Part(double part, unsigned bits) {
+        const double most = std::pow(2.0, bits) - 1;
+        Put(static_cast<std::uint32_t>(std::llround(part * most)), bits);
+    }
+
+    void Align() { mCount = (mCount + 7) / 8 * 8; }
+
+    [[nodiscard]] const std::string& Bytes() const { return mBytes; }
+
+private:
+    std::string mBytes;
+    std::size_t mCount = 0;
+};
+
+/// Bits of flags, coordinates and components.
+struct MeshBits {
+    unsigned flag = 8;
+    unsigned coordinate = 16;
+    unsigned component = 8;
+};
+
+/// The data of a mesh over the unit square, its colours between two.
+class MeshData {
+public:
+    MeshData(const MeshBits& bits, const ShadingSpace& space, bool hasFunction)
+        : mBits(bits), mSpace(space), mHasFunction(hasFunction) {}
+
+    void Flag(unsigned flag) { mData.Put(flag, mBits.flag); }
+
+    void Point(double x, double y) {
+        mData.Part(x, mBits.coordinate);
+        mData.Part(y, mBits.coordinate);
+    }
+
+    void Color(double part) {
+        if (mHasFunction) {
+            mData.Part(part, mBits.component);
+            return;
+        }
+        for (std::size_t i = 0; i < mSpace.first.size(); ++i) {
+            mData.Part(part, mBits.component);
+        }
+    }
+
+    void Align() { mData.Align(); }
+
+    /// A stream of ShadingType `type`; its Decode array takes each colour from the first to the
+    /// last.
+    [[nodiscard]] std::string Stream(int type, const std::string& space, const std::string& more) {
+        std::string decode = "0 1 0 1 ";
+        if (mHasFunction) {
+            decode += "0 1";
+        } else {
+            for (std::size_t i = 0; i < mSpace.first.size(); ++i) {
+                decode += Numbers({mSpace.first[i], mSpace.last[i]});
+            }
+        }
+        const std::string function =
+            mHasFunction ? " /Function " + Exponential(mSpace, "1") : std::string();
+        const std::string flags = type == 5 ? "" : " /BitsPerFlag " + std::to_string(mBits.flag);
+        return StreamOf(mData.Bytes(), "/ShadingType " + std::to_string(type) + " /ColorSpace " +
+                                           space + flags + " /BitsPerCoordinate " +
+                                           std::to_string(mBits.coordinate) +
+                                           " /BitsPerComponent " + std::to_string(mBits.component) +
+                                           " /Decode [" + decode + "] " + more + function);
+    }
+
+private:
+    MeshBits mBits;
+    const ShadingSpace& mSpace;
+    bool mHasFunction;
+    BitWriter mData;
+};
+
+std::string Triangles(const MeshBits& bits, const ShadingSpace& space, const std::string& text,
+                      bool hasFunction) {
+    MeshData mesh(bits, space, hasFunction);
+
+    const struct {
+        unsigned flag;
+        double x;
+        double y;
+        double color;
+    } kVertices[] = {
+        {0, 0.1, 0.1, 0.0}, {0, 0.9, 0.2, 0.5}, {0, 0.2, 0.9, 1.0}, {1, 0.9, 0.9, 0.2}};
+
+    for (const auto& vertex : kVertices) {
+        mesh.Flag(vertex.flag);
+        mesh.Point(vertex.x, vertex.y);
+        mesh.Color(vertex.color);
+        mesh.Align();
+    }
+    return mesh.Stream(4, text, "");
+}
+
+std::string Lattice(const MeshBits& bits, const ShadingSpace& space, const std::string& text,
+                    bool hasFunction) {
+    MeshData mesh(bits, space, hasFunction);
+    for (int y = 0; y < 3; ++y) {
+        for (int x = 0; x < 3; ++x) {
+            mesh.Point(0.1 + 0.4 * x, 0.1 + 0.4 * y - 0.05 * x);
+            mesh.Color((x + 2 * y) / 6.0);
+            mesh.Align();
+        }
+    }
+    return mesh.Stream(5, text, "/VerticesPerRow 3");
+}
+
+std::string Patches(const MeshBits& bits, const ShadingSpace& space, const std::string& text,
+                    bool hasFunction, int type) {
+    static constexpr double kEdge[12][2] = {{0.1, 0.1}, {0.0, 0.4}, {0.2, 0.6}, {0.1, 0.9},
+                                            {0.4, 1.0}, {0.6, 0.8}, {0.9, 0.9}, {1.0, 0.6},
+                                            {0.8, 0.4}, {0.9, 0.1}, {0.6, 0.0}, {0.4, 0.2}};
+    static constexpr double kInner[4][2] = {{0.3, 0.3}, {0.4, 0.7}, {0.7, 0.7}, {0.6, 0.3}};
+    MeshData mesh(bits, space, hasFunction);
+    mesh.Flag(0);
+    for (const auto& point : kEdge) {
+        mesh.Point(point[0], point[1]);
+    }
+    for (std::size_t i = 0; type == 7 && i < 4; ++i) {
+        mesh.Point(kInner[i][0], kInner[i][1]);
+    }
+    for (const double color : {0.0, 0.4, 1.0, 0.6}) {
+        mesh.Color(color);
+    }
+    mesh.Align();
+    return mesh.Stream(type, text, "");
+}
+
+/// All kinds of shadings in a space: first those of a page's own types 1 to 3, then meshes.
+void DrawShadings(Sheet& sheet, const ShadingSpace& space, bool withMeshes) {
+    const std::string text = space.text(sheet);
+    const auto draw = [&](const std::string& name, const std::string& shading) {
+        sheet.Shading(name, shading);
+    };
+    const auto entries = [&text](int type) {
+        return "/ShadingType " + std::to_string(type) + " /ColorSpace " + text + " ";
+    };
+    const std::string linear = Exponential(space, "1");
+    const std::string ends = " /Function " + linear;
+    draw("axial", "<< " + entries(2) + "/Coords [0.2 0.3 0.8 0.6]" + ends + " >>");
+    draw("axial, extended",
+         "<< " + entries(2) + "/Coords [0.3 0.3 0.7 0.5] /Extend [true true]" + ends + " >>");
+    draw("axial, of another domain",
+         "<< " + entries(2) + "/Coords [0 0 1 0] /Domain [0.25 0.5]" + ends + " >>");
+    // Rounded to six digits, the domain would leave that of the function.
+    draw("axial, of many digits",
+         "<< " + entries(2) +
+             "/Coords [0 0 1 0] /Domain [0.1000006 0.7654321] /Function << /FunctionType 2 /N 1 "
+             "/Domain [0.1000006 0.7654321] /C0 [" +
+             Numbers(space.first) + "] /C1 [" + Numbers(space.last) + "] >> >>");
+    draw("axial, in a box",
+         "<< " + entries(2) + "/Coords [0 0 0 1] /BBox [0.2 0.1 0.7 0.9]" + ends + " >>");
+    draw("axial, curved",
+         "<< " + entries(2) + "/Coords [0 0 1 1] /Function " + Exponential(space, "2.5") + " >>");
+    draw("axial, stitched",
+         "<< " + entries(2) +
+             "/Coords [0 1 1 0] /Function << /FunctionType 3 /Domain [0 1] /Bounds [0.3] "
+             "/Encode [0 1 1 0] /Functions [" +
+             linear + Exponential(space, "3") + "] >> >>");
+    draw("radial", "<< " + entries(3) + "/Coords [0.5 0.5 0.1 0.5 0.5 0.45]" + ends + " >>");
+    draw("radial, extended", "<< " + entries(3) +
+                                 "/Coords [0.3 0.5 0.05 0.6 0.5 0.3] /Extend [true true]" + ends +
+                                 " >>");
+    draw("a cone", "<< " + entries(3) + "/Coords [0.2 0.5 0.1 0.8 0.5 0.02] /Extend [true false]" +
+                       ends + " >>");
+    if (space.first.size() == 3) {
+        draw("by function",
+             "<< " + entries(1) +
+                 "/Domain [0 1 0 1] /Matrix [0.8 0.1 -0.1 0.8 0.15 0.1] /Function " +
+                 sheet.Add(StreamOf("{ 2 copy mul }",
+                                    "/FunctionType 4 /Domain [0 1 0 1] /Range [0 1 0 1 0 1]")) +
+                 " >>");
+        draw("by an array",
+             "<< " + entries(2) +
+                 "/Coords [0 0 1 0] /Function [<< /FunctionType 2 /Domain [0 1] /N 1 /C0 [0] /C1 "
+                 "[1] "
+                 ">> << /FunctionType 2 /Domain [0 1] /N 2 /C0 [1] /C1 [0] >> << /FunctionType 2 "
+                 "/Domain [0 1] /N 1 /C0 [0.2] /C1 [0.6] >>] >>");
+        std::string samples;
+        for (const int value : {255, 0, 0, 255, 255, 0, 0, 128, 255}) {
+            samples += static_cast<char>(value);
+        }
+        draw("by samples",
+             "<< " + entries(2) + "/Coords [0 0 1 0] /Function " +
+                 sheet.Add(StreamOf(samples,
+                                    "/FunctionType 0 /Domain [0 1] /Range [0 1 0 1 0 1] /Size [3] "
+                                    "/BitsPerSample 8")) +
+                 " >>");
+    }
+    for (const bool hasFunction : {false, true}) {
+        if (!withMeshes) {
+            continue;
+        }
+        const std::string how = hasFunction ? " by function" : "";
+        const auto mesh = [&](const std::string& name, const std::string& stream) {
+            draw(name + how, sheet.Add(stream));
+        };
+        mesh("triangles", Triangles({}, space, text, hasFunction));
+        mesh("triangles of odd bits", Triangles({2, 24, 16}, space, text, hasFunction));
+        mesh("lattice", Lattice({}, space, text, hasFunction));
+        mesh("lattice of odd bits", Lattice({8, 12, 4}, space, text, hasFunction));
+        mesh("Coons patch", Patches({}, space, text, hasFunction, 6));
+        mesh("tensor patch", Patches({4, 32, 12}, space, text, hasFunction, 7));
+    }
+}
+
+const ShadingSpace kSpaces[] = {
+    {"DeviceGray", [](Sheet&) { return std::string("/DeviceGray"); }, {0.1}, {0.9}},
+    {"DeviceRgb", [](Sheet&) { return std::string("/DeviceRGB"); }, {1, 0.2, 0}, {0, 0.4, 1}},
+    {"DeviceCmyk",
+     [](Sheet&) { return std::string("/DeviceCMYK"); },
+     {0, 0.8, 0.4, 0.1},
+     {1, 0, 0.2, 0},
+     true},
+    {"IccRgb",
+     [](Sheet& sheet) {
+         const auto profile = GammaRGBProfile(1.8);
+         return "[/ICCBased " +
+                sheet.Add(StreamOf(std::string(profile.begin(), profile.end()), "/N 3")) + "]";
+     },
+     {1, 0.2, 0},
+     {0, 0.4, 1},
+     false,
+     true},
+    {"CalRgb",
+     [](Sheet&) {
+         return std::string(
+             "[/CalRGB << /WhitePoint [0.9505 1 1.089] /Gamma [2.2 2.2 2.2] /Matrix [0.4124 0.2126 "
+             "0.0193 0.3576 0.7152 0.1192 0.1805 0.0722 0.9505] >>]");
+     },
+     {1, 0.6, 0.4},
+     {0.4, 0.6, 1}},
+    {"Separation",
+     [](Sheet&) {
+         return std::string(
+             "[/Separation /Orange /DeviceCMYK << /FunctionType 2 /Domain [0 1] /N 1 /C0 [0 0 0 0] "
+             "/C1 [0 0.5 1 0] >>]");
+     },
+     {0.1},
+     {1},
+     true},
+};
+
+class Shadings : public testing::TestWithParam<ShadingSpace> {
+protected:
+    /// Converts a sheet with the options.
+    void Convert(const Sheet& sheet, std::vector<std::string> options) {
+        mInput = mFolder.File("sheet.pdf");
+        mOutput = mFolder.File("sheet.ps");
+        WriteFile(mInput, sheet.Pdf());
+        options.insert(options.end(), {mInput, mOutput});
+        const ChildResult run = RunTool(options);
+        ASSERT_EQ(run.exitStatus, kDone) << run.errors;
+    }
+
+    TemporaryFolder mFolder;
+    std::string mInput;
+    std::string mOutput;
+};
+
+TEST_P(Shadings, LookAsInThePdf) {
+    for (const char* level : {"3", "2"}) {
+        SCOPED_TRACE(level);
+        const bool isLevel3 = *level == '3';
+        Sheet sheet;
+        DrawShadings(sheet, GetParam(), isLevel3);
+        std::vector<std::string> options{"--level", level};
+        if (GetParam().isManaged) {
+            options.emplace_back("--embed-profiles");
+        }
+        ASSERT_NO_FATAL_FAILURE(Convert(sheet, options));
+        const auto reference = DrawPages(mInput, {});
+        const auto drawn = DrawPages(mOutput, {});
+        EXPECT_EQ(drawn.complaint, "");
+        ASSERT_EQ(reference.pages.size(), 1U);
+        ASSERT_EQ(drawn.pages.size(), 1U);
+        // Level 2 has coarser profiles, and pictures whose clips cover every pixel that they touch.
+        if (isLevel3 || !GetParam().isManaged) {
+            CompareCells(sheet, drawn.pages.front(), reference.pages.front(), isLevel3);
+        }
+    }
+}
+
+TEST_P(Shadings, KeepTheirPlates) {
+    if (!GetParam().hasPlates) {
+        return;
+    }
+    Sheet sheet;
+    DrawShadings(sheet, GetParam(), true);
+    for (const char* model : {"as-is", "devicen"}) {
+        SCOPED_TRACE(model);
+        ASSERT_NO_FATAL_FAILURE(Convert(sheet, {"--color", model}));
+        const auto reference = DrawPlates(mInput, {});
+        const auto drawn = DrawPlates(mOutput, {});
+        ASSERT_EQ(drawn.pages.size(), 1U);
+        ASSERT_EQ(drawn.pages.front().size(), reference.pages.front().size());
+        for (const auto& [ink, plate] : reference.pages.front()) {
+            SCOPED_TRACE(ink);
+            CompareCells(sheet, drawn.pages.front().at(ink), plate);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Spaces, Shadings, testing::ValuesIn(kSpaces),
+                         [](const auto& one) { return std::string(one.param.name); });
+
+}  // namespace
+}  // namespace VANTIX::TEST
