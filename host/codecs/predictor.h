@@ -10,7 +10,7 @@
 namespace VANTIX::HOST {
 
 /// Undoes the differences between neighbours that an encoder wrote instead of samples: predictor 2
-/// of TIFF (TIFF 6.0, section 14) and the row filters of PNG (PNG specification, section 9), as the
+/// of TIFF (TIFF 6.0, section 14) and the row filters of PNG (RFC 2083, section 6), as the
 /// PDF Reference combines them in 3.3.3.
 class Predictor {
 public:

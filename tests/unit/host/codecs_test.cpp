@@ -27,7 +27,7 @@ int NearestOf(int left, int above, int corner) {
     return off(above) <= off(corner) ? above : corner;
 }
 
-/// Rows with PNG's filters, one after the other, written from the formulas of the specification.
+/// Rows with PNG's filters, one after the other, written from the formulas of RFC 2083.
 std::string FilterAsPng(const std::string& samples, std::size_t rowBytes, std::size_t pixelBytes) {
     std::string coded;
     const auto at = [&](std::size_t row, std::size_t x, std::size_t up, std::size_t left) {
