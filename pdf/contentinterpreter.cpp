@@ -50,7 +50,8 @@ void ContentInterpreter::RestoreTo(std::size_t depth) {
 
 ContentInterpreter::Player::Player(ContentInterpreter& interpreter, Resources& resources)
     : mInterpreter(interpreter), mOuter(interpreter.mFrame) {
-    interpreter.mFrame = {nullptr, &resources, interpreter.mLevels.size(), 0, 0, 0, 0};
+    interpreter.mFrame = {nullptr, &resources, interpreter.mLevels.size(), 0, 0,
+                          0,       0,          interpreter.Top().matrix};
     interpreter.mPath.Clear();
     interpreter.mPendingClip = PendingClip::kNone;
 }

@@ -21,6 +21,7 @@
 #include "pdf/objects.h"
 #include "pdf/optionalcontent.h"
 #include "pdf/path.h"
+#include "pdf/patterns.h"
 #include "pdf/qpdfheaders.h"
 #include "pdf/reporter.h"
 #include "pdf/resources.h"
@@ -36,6 +37,7 @@ struct PlayContext {
     FormCache& forms;
     ImageDataReader& imageData;
     Shadings& shadings;
+    Patterns& patterns;
     Reporter& reporter;
     /// Overrides the intents of the content.
     std::optional<COLOR::TRenderingIntent> intent;
@@ -52,11 +54,12 @@ class ContentInterpreter {
     struct Frame {
         ContentParser* parser = nullptr;
         Resources* resources = nullptr;
-        std::size_t floor = 1;          // levels that Q may not close
-        std::size_t ignoredSaves = 0;   // q beyond the limit
-        std::size_t markDepth = 0;      // open marked-content sequences
-        std::size_t hiddenDepth = 0;    // the one that hides content, or 0
-        std::size_t compatibility = 0;  // open BX
+        std::size_t floor = 1;                           // levels that Q may not close
+        std::size_t ignoredSaves = 0;                    // q beyond the limit
+        std::size_t markDepth = 0;                       // open marked-content sequences
+        std::size_t hiddenDepth = 0;                     // the one that hides content, or 0
+        std::size_t compatibility = 0;                   // open BX
+        std::array<double, 6> matrix{1, 0, 0, 1, 0, 0};  // of its own space
     };
 
 public:
@@ -120,6 +123,9 @@ public:
     /// level ends.
     bool Concat(const std::array<double, 6>& matrix);
 
+    /// Takes the current matrix for that of the page, from which patterns start.
+    void BeginPage();
+
     /// Clips to a rectangle of user space.
     void ClipToBox(const std::array<double, 4>& box);
 
@@ -152,6 +158,8 @@ private:
                                       kLargestNumber};
         const ColorSpaceEntry* fillSpace = nullptr;
         const ColorSpaceEntry* strokeSpace = nullptr;
+        std::shared_ptr<const Pattern> fillPattern;  // where the space is that of patterns
+        std::shared_ptr<const Pattern> strokePattern;
         LineState line;
     };
 
@@ -241,6 +249,9 @@ private:
     // contentinterpreter_shading.cpp
     void FillShading(Numbers);
     void DrawShadingRaster(const Shading& shading);
+    void SelectPattern(bool fill);
+    /// Draws the shading of a pattern within the path.
+    void FillPathWithShading(const Pattern& pattern, bool evenOdd);
 
     // contentinterpreter_xobject.cpp
     void XObject(Numbers);
@@ -283,6 +294,7 @@ private:
     PlayContext& mContext;
     std::vector<Level> mLevels;
     Frame mFrame;
+    std::array<double, 6> mPageMatrix{1, 0, 0, 1, 0, 0};
     Path mPath;
     PendingClip mPendingClip = PendingClip::kNone;
     std::array<float, 6> mNumbers{};

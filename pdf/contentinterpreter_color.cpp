@@ -9,6 +9,7 @@ namespace VANTIX::PDF {
 void ContentInterpreter::Select(bool fill, const ColorSpaceEntry& space) {
     mContext.colorSpaces.Select(space, ColorOf(fill));
     (fill ? Top().fillSpace : Top().strokeSpace) = &space;
+    (fill ? Top().fillPattern : Top().strokePattern) = nullptr;
 }
 
 void ContentInterpreter::SelectSpace(bool fill) {
@@ -29,6 +30,7 @@ void ContentInterpreter::SelectSpace(bool fill) {
 void ContentInterpreter::SetColor(bool fill) {
     const ColorSpaceEntry& space = fill ? *Top().fillSpace : *Top().strokeSpace;
     if (space.kind == ColorSpaceEntry::Kind::kPattern) {
+        SelectPattern(fill);
         return;
     }
     mValues.clear();

@@ -11,6 +11,8 @@ namespace VANTIX::PDF {
 
 namespace {
 
+constexpr std::array<double, 6> kIdentity = {1, 0, 0, 1, 0, 0};
+
 // Beyond these magnitudes the reals of interpreters run over.
 constexpr double kLargestScale = 1e15;
 
@@ -20,16 +22,6 @@ bool IsUsable(const std::array<double, 6>& matrix) {
     return IsInvertible(matrix) && std::all_of(matrix.begin(), matrix.end(), [](double v) {
                return std::abs(v) <= kLargestScale;
            });
-}
-
-std::array<double, 6> Invert(const std::array<double, 6>& m) {
-    const double determinant = m[0] * m[3] - m[1] * m[2];
-    return {m[3] / determinant,
-            -m[1] / determinant,
-            -m[2] / determinant,
-            m[0] / determinant,
-            (m[2] * m[5] - m[3] * m[4]) / determinant,
-            (m[1] * m[4] - m[0] * m[5]) / determinant};
 }
 
 }  // namespace
@@ -49,7 +41,6 @@ void ContentInterpreter::RestoreLevel(Numbers) {
 }
 
 bool ContentInterpreter::Concat(const std::array<double, 6>& matrix) {
-    constexpr std::array<double, 6> kIdentity = {1, 0, 0, 1, 0, 0};
     if (matrix == kIdentity) {
         return true;
     }
@@ -60,7 +51,7 @@ bool ContentInterpreter::Concat(const std::array<double, 6>& matrix) {
         return false;
     }
     // Points stay where they are, though a path should not meet a change of the matrix.
-    mPath.Transform(Invert(matrix));
+    mPath.Transform(Inverse(matrix).value_or(kIdentity));
     Top().matrix = product;
     std::array<float, 6> m{};
     std::transform(matrix.begin(), matrix.end(), m.begin(), ToFloat);
@@ -88,7 +79,7 @@ void ContentInterpreter::ClipToBox(const std::array<double, 4>& box) {
 }
 
 std::array<double, 4> ContentInterpreter::ClipBounds() {
-    return TransformBox(Invert(Top().matrix), Top().clipBox);
+    return TransformBox(Inverse(Top().matrix).value_or(kIdentity), Top().clipBox);
 }
 
 void ContentInterpreter::LineWidth(Numbers v) {

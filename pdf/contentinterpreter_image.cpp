@@ -162,6 +162,12 @@ void ContentInterpreter::PaintStencil(Image& image) {
     if (!MayPaint(true)) {
         return;
     }
+    if (Top().fillPattern) {
+        mContext.reporter.Warn("pattern", image.Label() +
+                                              ": what is painted through it with a "
+                                              "pattern is left out");
+        return;
+    }
     PlaneSourcePtr bits = image.StencilBits();
     const HOST::CurrentColor& fill = State().fill;
     if (!bits || !fill.space) {

@@ -52,7 +52,9 @@ void ContentInterpreter::Paint(unsigned flags) {
     if (fill || stroke || (!mPath.IsEmpty() && clip != PendingClip::kNone)) {
         HOST::BaseConnectionSpace& space = mContext.space;
         mPath.PlayTo(space);
-        if (fill) {
+        if (fill && Top().fillPattern && mContext.languageLevel < 3) {
+            FillPathWithShading(*Top().fillPattern, (flags & kEvenOdd) != 0);
+        } else if (fill) {
             (flags & kEvenOdd) != 0 ? space.EOFill() : space.Fill();
         }
         if (stroke) {
@@ -75,8 +77,14 @@ bool ContentInterpreter::MayPaint(bool fill) {
         return false;
     }
     const ColorSpaceEntry* space = fill ? Top().fillSpace : Top().strokeSpace;
-    if (space->kind == ColorSpaceEntry::Kind::kPattern) {
-        mContext.reporter.Warn("pattern", "What is painted with a pattern is left out");
+    const auto& pattern = fill ? Top().fillPattern : Top().strokePattern;
+    if (space->kind == ColorSpaceEntry::Kind::kPattern && !pattern) {
+        return false;
+    }
+    if (pattern && !fill && mContext.languageLevel < 3) {
+        mContext.reporter.Warn("pattern",
+                               "What is stroked with a shading is left out: language "
+                               "level 2 has none");
         return false;
     }
     return true;

@@ -167,6 +167,19 @@ std::array<double, 6> Multiply(const std::array<double, 6>& inner,
             c * o[1] + d * o[3], e * o[0] + f * o[2] + o[4], e * o[1] + f * o[3] + o[5]};
 }
 
+std::optional<std::array<double, 6>> Inverse(const std::array<double, 6>& m) {
+    const double determinant = m[0] * m[3] - m[1] * m[2];
+    if (determinant == 0.0 || !std::isfinite(1.0 / determinant)) {
+        return std::nullopt;
+    }
+    return std::array<double, 6>{m[3] / determinant,
+                                 -m[1] / determinant,
+                                 -m[2] / determinant,
+                                 m[0] / determinant,
+                                 (m[2] * m[5] - m[3] * m[4]) / determinant,
+                                 (m[1] * m[4] - m[0] * m[5]) / determinant};
+}
+
 std::array<double, 4> TransformBox(const std::array<double, 6>& matrix,
                                    const std::array<double, 4>& box) {
     std::array<double, 4> bounds{};

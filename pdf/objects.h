@@ -51,6 +51,9 @@ std::array<double, 6> MatrixOf(const QPDFObjectHandle& object);
 std::array<double, 6> Multiply(const std::array<double, 6>& inner,
                                const std::array<double, 6>& outer);
 
+/// The inverse; nothing for a matrix that has none.
+std::optional<std::array<double, 6>> Inverse(const std::array<double, 6>& m);
+
 /// The bounds of `box` after `matrix`.
 std::array<double, 4> TransformBox(const std::array<double, 6>& matrix,
                                    const std::array<double, 4>& box);

@@ -27,12 +27,14 @@ struct PagePlayer::Parts {
           optionalContent(theDocument.Qpdf()),
           forms(colorSpaces, reporter),
           shadings(colorSpaces, reporter),
+          patterns(shadings, reporter),
           context{space,
                   colorSpaces,
                   optionalContent,
                   forms,
                   imageData,
                   shadings,
+                  patterns,
                   reporter,
                   theOptions.intent,
                   theOptions.keepsAlpha,
@@ -51,6 +53,7 @@ struct PagePlayer::Parts {
     FormCache forms;
     ImageDataReader imageData;
     Shadings shadings;
+    Patterns patterns;
     PlayContext context;
 };
 
@@ -105,6 +108,7 @@ void PagePlayer::Parts::SetUpPage(ContentInterpreter& interpreter, const PageGeo
     std::copy(geometry.matrix.begin(), geometry.matrix.end(), matrix.begin());
     interpreter.Concat(matrix);
     context.space.SaveInitialPageMatrix();
+    interpreter.BeginPage();
     std::array<double, 4> box{};
     std::copy(geometry.box.begin(), geometry.box.end(), box.begin());
     interpreter.ClipToBox(box);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/color/outputvalues.h"
+#include "pdf/objects.h"
 
 namespace VANTIX::PDF {
 
@@ -26,20 +27,6 @@ Point operator-(const Point& a, const Point& b) {
 
 double Dot(const Point& a, const Point& b) {
     return a.x * b.x + a.y * b.y;
-}
-
-/// The inverse; nothing for a matrix of no use.
-std::optional<std::array<double, 6>> Inverse(const std::array<double, 6>& m) {
-    const double determinant = m[0] * m[3] - m[1] * m[2];
-    if (determinant == 0.0 || !std::isfinite(1.0 / determinant)) {
-        return std::nullopt;
-    }
-    return std::array<double, 6>{m[3] / determinant,
-                                 -m[1] / determinant,
-                                 -m[2] / determinant,
-                                 m[0] / determinant,
-                                 (m[2] * m[5] - m[3] * m[4]) / determinant,
-                                 (m[1] * m[4] - m[0] * m[5]) / determinant};
 }
 
 Point Apply(const std::array<double, 6>& m, const Point& p) {

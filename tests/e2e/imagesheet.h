@@ -79,6 +79,18 @@ public:
         return Draw(name, "0 0 1 1 re W n /" + key + " sh");
     }
 
+    /// A cell that is painted with a shading as a pattern, by the operators.
+    Cell& Pattern(const std::string& name, const std::string& shading,
+                  const std::string& operators) {
+        const std::string key = "P" + std::to_string(mCells.size());
+        const std::size_t x = kPitchX * (mCells.size() % kColumns);
+        const std::size_t y = kPageHeight - kPitchY * (mCells.size() / kColumns + 1);
+        mPatterns += "/" + key + " << /PatternType 2 /Matrix [" + std::to_string(kWidth) + " 0 0 " +
+                     std::to_string(kHeight) + " " + std::to_string(x) + " " + std::to_string(y) +
+                     "] /Shading " + shading + " >> ";
+        return Draw(name, "/Pattern cs /" + key + " scn /Pattern CS /" + key + " SCN " + operators);
+    }
+
     Cell& Inline(const std::string& name, const std::string& entries, const std::string& data) {
         return Draw(name, "BI " + entries + " ID " + data + "\nEI");
     }
@@ -88,7 +100,7 @@ public:
     [[nodiscard]] std::string Pdf() const {
         return PageOf(mContent,
                       "/XObject << " + mImages + ">> /ColorSpace << " + mSpaces +
-                          ">> /Shading << " + mShadings + ">>",
+                          ">> /Shading << " + mShadings + ">> /Pattern << " + mPatterns + ">>",
                       mObjects,
                       "/MediaBox [0 0 " + std::to_string(kPitchX * kColumns) + " " +
                           std::to_string(kPageHeight) + "]");
@@ -126,6 +138,7 @@ private:
     std::string mImages;
     std::string mSpaces;
     std::string mShadings;
+    std::string mPatterns;
 };
 
 }  // namespace VANTIX::TEST

@@ -339,6 +339,41 @@ TEST_P(Shadings, LookAsInThePdf) {
     }
 }
 
+TEST_P(Shadings, PaintAsPatterns) {
+    for (const char* level : {"3", "2"}) {
+        SCOPED_TRACE(level);
+        const bool isLevel3 = *level == '3';
+        Sheet sheet;
+        const std::string space = GetParam().text(sheet);
+        const std::string ends = " /Function " + Exponential(GetParam(), "1") + " >>";
+        const std::string axial =
+            "<< /ShadingType 2 /ColorSpace " + space + " /Coords [0.2 0 0.9 0.3]" + ends;
+        const std::string radial = "<< /ShadingType 3 /ColorSpace " + space +
+                                   " /Coords [0.5 0.5 0.1 0.5 0.5 0.4] /Extend [true true]" + ends;
+        sheet.Pattern("fill", axial, "0.1 0.1 0.8 0.8 re f");
+        sheet.Pattern("fill by even and odd", radial, "0.1 0.1 0.8 0.8 re 0.3 0.3 0.4 0.4 re f*");
+        sheet.Pattern("fill under another matrix", axial,
+                      "q 0.5 0.2 -0.2 0.5 0.3 0.2 cm 0 0 1 1 re f Q 0.8 0.8 0.2 0.2 re f");
+        if (isLevel3) {
+            const std::string back = "<< /Background [" + Numbers(GetParam().last) + "] ";
+            sheet.Pattern("stroke", radial, "0.1 w 0.2 0.2 0.6 0.6 re S");
+            sheet.Pattern("before a background", back + axial.substr(3), "0 0 0.9 0.9 re f");
+        }
+        std::vector<std::string> options{"--level", level};
+        if (GetParam().isManaged) {
+            options.emplace_back("--embed-profiles");
+        }
+        ASSERT_NO_FATAL_FAILURE(Convert(sheet, options));
+        const auto reference = DrawPages(mInput, {});
+        const auto drawn = DrawPages(mOutput, {});
+        EXPECT_EQ(drawn.complaint, "");
+        ASSERT_EQ(drawn.pages.size(), 1U);
+        if (isLevel3 || !GetParam().isManaged) {
+            CompareCells(sheet, drawn.pages.front(), reference.pages.front(), isLevel3);
+        }
+    }
+}
+
 TEST_P(Shadings, KeepTheirPlates) {
     if (!GetParam().hasPlates) {
         return;

@@ -162,7 +162,7 @@ TEST(Images, StencilTakesTheFillColourInItsOwnSpace) {
     EXPECT_EQ(PlayImage("/ImageMask true /Width 8 /Height 1", "00>", warnings,
                         "/Pattern cs /P scn /I Do"),
               "");
-    EXPECT_EQ(warnings, "pattern ");
+    EXPECT_EQ(warnings, "missing-resource ");
 }
 
 TEST(Images, Level2ReplacesDeviceNByItsAlternate) {
