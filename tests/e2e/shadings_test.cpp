@@ -299,6 +299,12 @@ const ShadingSpace kSpaces[] = {
      true},
 };
 
+std::string Gradient(const ShadingSpace& space, const std::string& text,
+                     const std::string& entries) {
+    return "<< " + entries + " /ColorSpace " + text + " /Function " + Exponential(space, "1") +
+           " >>";
+}
+
 class Shadings : public testing::TestWithParam<ShadingSpace> {
 protected:
     /// Converts a sheet with the options.
@@ -345,19 +351,20 @@ TEST_P(Shadings, PaintAsPatterns) {
         const bool isLevel3 = *level == '3';
         Sheet sheet;
         const std::string space = GetParam().text(sheet);
-        const std::string ends = " /Function " + Exponential(GetParam(), "1") + " >>";
         const std::string axial =
-            "<< /ShadingType 2 /ColorSpace " + space + " /Coords [0.2 0 0.9 0.3]" + ends;
-        const std::string radial = "<< /ShadingType 3 /ColorSpace " + space +
-                                   " /Coords [0.5 0.5 0.1 0.5 0.5 0.4] /Extend [true true]" + ends;
+            Gradient(GetParam(), space, "/ShadingType 2 /Coords [0.2 0 0.9 0.3]");
+        const std::string radial =
+            Gradient(GetParam(), space,
+                     "/ShadingType 3 /Coords [0.5 0.5 0.1 0.5 0.5 0.4] /Extend [true true]");
         sheet.Pattern("fill", axial, "0.1 0.1 0.8 0.8 re f");
         sheet.Pattern("fill by even and odd", radial, "0.1 0.1 0.8 0.8 re 0.3 0.3 0.4 0.4 re f*");
         sheet.Pattern("fill under another matrix", axial,
                       "q 0.5 0.2 -0.2 0.5 0.3 0.2 cm 0 0 1 1 re f Q 0.8 0.8 0.2 0.2 re f");
         if (isLevel3) {
-            const std::string back = "<< /Background [" + Numbers(GetParam().last) + "] ";
+            std::string backed = "<< /Background [";
+            backed.append(Numbers(GetParam().last)).append("] ").append(axial.substr(3));
             sheet.Pattern("stroke", radial, "0.1 w 0.2 0.2 0.6 0.6 re S");
-            sheet.Pattern("before a background", back + axial.substr(3), "0 0 0.9 0.9 re f");
+            sheet.Pattern("before a background", backed, "0 0 0.9 0.9 re f");
         }
         std::vector<std::string> options{"--level", level};
         if (GetParam().isManaged) {
