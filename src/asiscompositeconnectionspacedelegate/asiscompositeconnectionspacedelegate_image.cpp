@@ -78,17 +78,8 @@ void AsIsCompositeConnectionSpaceDelegate::Image(IRasterComponent& raster, float
         DrawInDeviceN(raster, x, y, width, height);
         return;
     }
-    TInterfacePtr<IRasterComponent> flattened;
-    if (!spots.empty()) {
-        if (CompositeSpotsToNewRasterInDelegateColorSpace(raster, spots, flattened) ==
-            STATUS::kOk) {
-            spots.clear();
-        } else {
-            LogError(kModule) << "There was a problem flattening separation space(s) to the "
-                                 "raster. Continuing without separation channels.";
-        }
-    }
-    IRasterComponent& drawn = flattened ? *flattened : raster;
+    const TInterfacePtr<IRasterComponent> flattened = FlattenSpots(raster, spots);
+    IRasterComponent& drawn = *flattened;
     if (mJawsWorkaround) {
         WriteSoftMaskCompositeAlpha(drawn, 1.0F);
     }

@@ -238,6 +238,10 @@ protected:
                                                             float x, float y, float width,
                                                             float height, std::int32_t depth);
 
+    /// The raster with its spot channels flattened, and `spots` emptied; the raster itself where
+    /// there are none, or they cannot be flattened (logged).
+    TInterfacePtr<GRAPHICS::IRasterComponent> FlattenSpots(GRAPHICS::IRasterComponent& raster,
+                                                           SpotChannels& spots) const;
     /// Paints the spot channels over the process channels of a new raster. 0, or the failing status
     /// (logged), with `out` null.
     Status CompositeSpotsToNewRasterInDelegateColorSpace(

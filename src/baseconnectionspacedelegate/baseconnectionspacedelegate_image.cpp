@@ -197,17 +197,10 @@ void WritePixels(Channels& channels, std::int32_t width, std::int32_t height, st
 void BaseConnectionSpaceDelegate::Image(IRasterComponent& raster, float x, float y, float width,
                                         float height) {
     SpotChannels spots = FindSpotChannels(raster);
-    TInterfacePtr<IRasterComponent> flattened;
-    if (mConvertSpotsToProcess && !spots.empty()) {
-        if (CompositeSpotsToNewRasterInDelegateColorSpace(raster, spots, flattened) ==
-            STATUS::kOk) {
-            spots.clear();
-        } else {
-            LogError(kModule) << "There was a problem flattening separation space(s) to the "
-                                 "raster. Continuing without separation channels.";
-        }
-    }
-    IRasterComponent& drawn = flattened ? *flattened : raster;
+    const TInterfacePtr<IRasterComponent> flattened =
+        mConvertSpotsToProcess ? FlattenSpots(raster, spots)
+                               : TInterfacePtr<IRasterComponent>(&raster);
+    IRasterComponent& drawn = *flattened;
     if (mJawsWorkaround) {
         if (OutputContext() == nullptr) {
             return;

@@ -202,6 +202,21 @@ Status BaseConnectionSpaceDelegate::CreateRasterForSpotComposite(
     return isFilled ? STATUS::kOk : kFailed;
 }
 
+TInterfacePtr<IRasterComponent> BaseConnectionSpaceDelegate::FlattenSpots(
+    IRasterComponent& raster, SpotChannels& spots) const {
+    TInterfacePtr<IRasterComponent> flattened;
+    if (!spots.empty()) {
+        if (CompositeSpotsToNewRasterInDelegateColorSpace(raster, spots, flattened) ==
+            STATUS::kOk) {
+            spots.clear();
+        } else {
+            LogError(kModule) << "There was a problem flattening separation space(s) to the "
+                                 "raster. Continuing without separation channels.";
+        }
+    }
+    return flattened ? flattened : TInterfacePtr<IRasterComponent>(&raster);
+}
+
 Status BaseConnectionSpaceDelegate::CompositeSpotsToNewRasterInDelegateColorSpace(
     const IRasterComponent& raster, const SpotChannels& spots,
     TInterfacePtr<IRasterComponent>& out) const {

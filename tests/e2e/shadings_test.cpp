@@ -317,17 +317,10 @@ protected:
         ASSERT_EQ(run.exitStatus, kDone) << run.errors;
     }
 
-    TemporaryFolder mFolder;
-    std::string mInput;
-    std::string mOutput;
-};
-
-TEST_P(Shadings, LookAsInThePdf) {
-    for (const char* level : {"3", "2"}) {
-        SCOPED_TRACE(level);
+    /// Expects a sheet to look as in the PDF at a level. Level 2 has coarser profiles, and pictures
+    /// whose clips cover every pixel that they touch.
+    void Check(const Sheet& sheet, const char* level) {
         const bool isLevel3 = *level == '3';
-        Sheet sheet;
-        DrawShadings(sheet, GetParam(), isLevel3);
         std::vector<std::string> options{"--level", level};
         if (GetParam().isManaged) {
             options.emplace_back("--embed-profiles");
@@ -338,17 +331,28 @@ TEST_P(Shadings, LookAsInThePdf) {
         EXPECT_EQ(drawn.complaint, "");
         ASSERT_EQ(reference.pages.size(), 1U);
         ASSERT_EQ(drawn.pages.size(), 1U);
-        // Level 2 has coarser profiles, and pictures whose clips cover every pixel that they touch.
         if (isLevel3 || !GetParam().isManaged) {
             CompareCells(sheet, drawn.pages.front(), reference.pages.front(), isLevel3);
         }
+    }
+
+    TemporaryFolder mFolder;
+    std::string mInput;
+    std::string mOutput;
+};
+
+TEST_P(Shadings, LookAsInThePdf) {
+    for (const char* level : {"3", "2"}) {
+        SCOPED_TRACE(level);
+        Sheet sheet;
+        DrawShadings(sheet, GetParam(), *level == '3');
+        Check(sheet, level);
     }
 }
 
 TEST_P(Shadings, PaintAsPatterns) {
     for (const char* level : {"3", "2"}) {
         SCOPED_TRACE(level);
-        const bool isLevel3 = *level == '3';
         Sheet sheet;
         const std::string space = GetParam().text(sheet);
         const std::string axial =
@@ -360,24 +364,13 @@ TEST_P(Shadings, PaintAsPatterns) {
         sheet.Pattern("fill by even and odd", radial, "0.1 0.1 0.8 0.8 re 0.3 0.3 0.4 0.4 re f*");
         sheet.Pattern("fill under another matrix", axial,
                       "q 0.5 0.2 -0.2 0.5 0.3 0.2 cm 0 0 1 1 re f Q 0.8 0.8 0.2 0.2 re f");
-        if (isLevel3) {
+        if (*level == '3') {
             std::string backed = "<< /Background [";
             backed.append(Numbers(GetParam().last)).append("] ").append(axial.substr(3));
             sheet.Pattern("stroke", radial, "0.1 w 0.2 0.2 0.6 0.6 re S");
             sheet.Pattern("before a background", backed, "0 0 0.9 0.9 re f");
         }
-        std::vector<std::string> options{"--level", level};
-        if (GetParam().isManaged) {
-            options.emplace_back("--embed-profiles");
-        }
-        ASSERT_NO_FATAL_FAILURE(Convert(sheet, options));
-        const auto reference = DrawPages(mInput, {});
-        const auto drawn = DrawPages(mOutput, {});
-        EXPECT_EQ(drawn.complaint, "");
-        ASSERT_EQ(drawn.pages.size(), 1U);
-        if (isLevel3 || !GetParam().isManaged) {
-            CompareCells(sheet, drawn.pages.front(), reference.pages.front(), isLevel3);
-        }
+        Check(sheet, level);
     }
 }
 

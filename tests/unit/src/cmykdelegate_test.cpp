@@ -47,26 +47,11 @@ SpacePtr TwoInks() {
     return space;
 }
 
-struct ColourCase {
-    const char* name;
-    SpacePtr (*space)();
-    std::vector<float> color;
-    const char* plain;
-    const char* managed;
-    std::uint32_t options = 0;
-};
-
 class CmykColours : public CmykDelegate, public testing::WithParamInterface<ColourCase> {};
 
 TEST_P(CmykColours, BecomeInkAmountsOrStayGray) {
     const ColourCase& tested = GetParam();
-    const auto plain = Make<Plain>(tested.options);
-    Paint(*plain, tested.space(), tested.color);
-    EXPECT_EQ(out->Take(), tested.plain);
-    const auto managed = Make<Managed>(tested.options);
-    Paint(*managed, tested.space(), tested.color);
-    EXPECT_EQ(out->Take(), tested.managed);
-    EXPECT_EQ(log.Messages(), "");
+    ExpectColours(tested, *Make<Plain>(tested.options), *Make<Managed>(tested.options));
 }
 
 template <class T, FourCC Family>

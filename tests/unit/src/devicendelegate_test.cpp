@@ -69,26 +69,11 @@ private:
     }
 };
 
-struct ColourCase {
-    const char* name;
-    SpacePtr (*space)();
-    std::vector<float> color;
-    const char* plain;
-    const char* managed;
-    std::uint32_t options = 0;
-};
-
 class DeviceNColours : public DeviceNDelegate, public testing::WithParamInterface<ColourCase> {};
 
 TEST_P(DeviceNColours, KeepTheirInksOrBecomeProcessInks) {
     const ColourCase& tested = GetParam();
-    const auto plain = Plain(tested.options);
-    Paint(*plain, tested.space(), tested.color);
-    EXPECT_EQ(out->Take(), tested.plain);
-    const auto managed = Managed(tested.options);
-    Paint(*managed, tested.space(), tested.color);
-    EXPECT_EQ(out->Take(), tested.managed);
-    EXPECT_EQ(log.Messages(), "");
+    ExpectColours(tested, *Plain(tested.options), *Managed(tested.options));
 }
 
 template <class T, FourCC Family>
