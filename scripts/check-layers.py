@@ -22,7 +22,7 @@ POSIX = re.compile(r"(sys/\w+|unistd|fcntl|dlfcn|poll|link|spawn)\.h")
 LAYERS = [
     ("sdk/headers", ["sdk/headers"], None),
     ("src", ["src", "sdk/headers"], None),
-    ("host", ["host", "sdk/headers"], r"(ft2build|hb|hb-ft|lcms2|zlib|jpeglib|jerror|png|openjpeg|jbig2)\.h|freetype/.*"),
+    ("host", ["host", "sdk/headers"], r"(ft2build|hb|hb-subset|hb-ft|lcms2|zlib|jpeglib|jerror|png|openjpeg|jbig2)\.h|freetype/.*|fontconfig/.*"),
     ("pdf", ["pdf", "host", "sdk/headers"], r"qpdf/.*"),
     ("app", ["app", "pdf", "host", "sdk/headers"], r"CLI/.*|nlohmann/.*"),
     ("tests/unit/src", ["src", "sdk/headers", "tests/support", "tests/unit/src"], r"g(test|mock)/.*"),
