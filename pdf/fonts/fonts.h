@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/fonts/fontbroker.h"
+#include "host/fonts/simplefont.h"
+#include "pdf/qpdfheaders.h"
+#include "pdf/reporter.h"
+
+namespace VANTIX::PDF {
+
+/// What becomes of a font that the document names and does not hold.
+enum class MissingFonts : std::uint8_t {
+    kSubstitute,  ///< an installed font is embedded in its place
+    kResident,    ///< the interpreter is trusted to have it
+    kFail         ///< the run ends
+};
+
+/// What a run asks about fonts.
+struct FontOptions {
+    std::int32_t languageLevel = 3;
+    bool embedStandardFonts = false;
+    MissingFonts missing = MissingFonts::kSubstitute;
+    /// Files for fonts that are not embedded, by name.
+    std::map<std::string, std::string> files;
+    /// Output must be text: binary parts of font programs go out as hexadecimal digits.
+    bool textOnly = true;
+};
+
+/// One font of the report.
+struct FontRecord {
+    std::string name;  ///< as the document has it
+    std::string kind;  ///< "Type1", "TrueType", …
+    std::string kindOut;
+    std::string source;  ///< "embedded", "substituted" or "resident"
+    std::string substitute;
+    std::uint64_t bytes = 0;  ///< of the program as it is handed over
+    bool isExtractable = false;
+};
+
+/// A font of the document, ready to be shown.
+struct Font {
+    /// Null for one that cannot be shown: its text is left out.
+    TInterfacePtr<HOST::SimpleFont> handler;
+    /// For `SetFont` of the graphics state: `handler->GetName()`, and its number.
+    std::string name;
+    std::int32_t selector = 0;
+    /// The interpreter is to have it: advances are the reader's business.
+    bool isResident = false;
+    std::shared_ptr<const HOST::SimpleProgram> program;  ///< null for a resident one
+
+    /// Whether the glyph at a code marks anything; true where it is unknown.
+    [[nodiscard]] bool HasOutline(std::uint8_t code) const;
+};
+
+/// The fonts of the printed pages: all are collected before the first page is played, since a job
+/// downloads its fonts once.
+class Fonts {
+public:
+    Fonts(FontOptions options, Reporter& reporter);
+    ~Fonts();
+    Fonts(const Fonts&) = delete;
+    Fonts& operator=(const Fonts&) = delete;
+    Fonts(Fonts&&) = delete;
+    Fonts& operator=(Fonts&&) = delete;
+
+    /// Takes in the fonts of a page: of its resources, and those of forms, patterns, graphics
+    /// states and annotations' appearances below.
+    void Collect(QPDF& document, int page);
+    /// Makes what was collected ready and fills the broker. False, with the reason in `error`, when
+    /// a font is missing and that is to end the run.
+    bool Finish(std::string& error);
+
+    [[nodiscard]] HOST::FontBroker& Broker() const { return *mBroker; }
+
+    /// The font that a dictionary describes; null (after one warning) for none that can be shown.
+    const Font* Find(const QPDFObjectHandle& dictionary);
+
+    [[nodiscard]] const std::vector<FontRecord>& Records() const { return mRecords; }
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> mParts;
+    TInterfacePtr<HOST::FontBroker> mBroker;
+    std::vector<FontRecord> mRecords;
+};
+
+}  // namespace VANTIX::PDF
