@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: MIT
 """Makes PDF files for measurements, the same in each run: vector graphics (curves, lines, dashes,
-clips, transforms and device colours, different on each page), and images."""
+clips, transforms and device colours, different on each page), images, and running text."""
 
+import io
+import pathlib
 import random
 import zlib
 
@@ -121,3 +123,88 @@ def write_image_pdf(path, space, side=2000, png_predictor=False):
         b"/Resources << /XObject << /I 5 0 R >> >> /Contents 4 0 R >>",
         stream(b"580 0 0 580 10 10 cm /I Do"),
         stream(b"".join(lines), entries)])
+
+URW_FONTS = pathlib.Path("/usr/share/fonts/type1/urw-base35")
+DEJAVU_FONTS = pathlib.Path("/usr/share/fonts/truetype/dejavu")
+WORDS = """plate ink press proof sheet register gamut trap screen angle dot gain coating paper reel
+    folio signature margin gutter leading kerning baseline serif weight measure column caption the
+    of and to in is that it was for on are with as at by from or an be this which one all""".split()
+
+
+def type1_font(name):
+    """(stream object, widths of codes 32 to 126) of a Type 1 font of Debian's fonts-urw-base35."""
+    program = (URW_FONTS / f"{name}.t1").read_bytes()
+    secret = program.index(b"eexec") + len(b"eexec\n")
+    zeros = program.rindex(b"0" * 64, 0, program.rindex(b"cleartomark"))
+    while program[zeros - 1:zeros] in (b"0", b"\n", b"\r"):
+        zeros -= 1
+    lengths = b"/Length1 %d /Length2 %d /Length3 %d" % (secret, zeros - secret,
+                                                        len(program) - zeros)
+    widths = {}
+    for line in (URW_FONTS / f"{name}.afm").read_text("latin-1").splitlines():
+        if line.startswith("C "):
+            fields = line.split()
+            widths[int(fields[1])] = int(fields[4])
+    return stream(program, lengths), [widths.get(code, 0) for code in range(32, 127)]
+
+
+def truetype_font(name):
+    """The same for a font of fonts-dejavu-core, cut to ASCII as documents embed it."""
+    from fontTools import subset, ttLib  # only here: the other documents need nothing installed
+
+    font = ttLib.TTFont(DEJAVU_FONTS / f"{name}.ttf")
+    cutter = subset.Subsetter(subset.Options(layout_features=[], name_IDs=[], notdef_outline=True))
+    cutter.populate(unicodes=range(32, 127))
+    cutter.subset(font)
+    file = io.BytesIO()
+    font.save(file)
+    glyphs = font.getBestCmap()
+    scale = 1000 / font["head"].unitsPerEm
+    widths = [round(font["hmtx"][glyphs[code]][0] * scale) for code in range(32, 127)]
+    return stream(file.getvalue(), b"/Length1 %d" % len(file.getvalue())), widths
+
+
+def text_content(chance, fonts):
+    """A page of 60 lines: paragraphs set by word spacing, and others with kerned strings."""
+    parts = ["BT"]
+    for line in range(60):
+        if line % 6 == 0:
+            font = chance.randrange(len(fonts))
+            kerned = chance.random() < 0.5
+            parts.append(f"/F{font} 9 Tf 11 TL 1 0 0 1 50 {750 - 11.5 * line:.2f} Tm")
+        words = [chance.choice(WORDS) for _ in range(14)]
+        if kerned:
+            pieces = [f"({word[:2]}){chance.choice((-20, 15, 40))}({word[2:]} )" for word in words]
+            parts.append(f"[{''.join(pieces)}] TJ T*")
+        else:
+            parts.append(f"{chance.uniform(-0.3, 0.6):.3f} Tw ({' '.join(words)}) Tj T*")
+    return "\n".join(parts + ["ET"]).encode("ascii")
+
+
+def write_text_pdf(path, pages):
+    """A document of running text in three Type 1 fonts and two TrueType fonts, all embedded."""
+    chance = random.Random(pages)
+    fonts = [(b"Type1", name, b"FontFile", *type1_font(name))
+             for name in ("NimbusRoman-Regular", "NimbusRoman-Italic", "NimbusSans-Bold")]
+    fonts += [(b"TrueType", name, b"FontFile2", *truetype_font(name))
+              for name in ("DejaVuSans", "DejaVuSerif")]
+    objects = [b"<< /Type /Catalog /Pages 2 0 R >>", b""]
+    entries = []
+    for i, (kind, name, key, program, widths) in enumerate(fonts):
+        base = b"ABCDE%c+%s" % (65 + i, name.encode("ascii"))
+        first = len(objects) + 1
+        objects += [program, b"<< /Type /FontDescriptor /FontName /%s /Flags 32 /FontBBox [-200 -250 "
+                    b"1200 950] /ItalicAngle 0 /Ascent 900 /Descent -250 /CapHeight 700 /StemV 80 "
+                    b"/%s %d 0 R >>" % (base, key, first),
+                    b"<< /Type /Font /Subtype /%s /BaseFont /%s /FirstChar 32 /LastChar 126 /Widths "
+                    b"[%s] /Encoding /WinAnsiEncoding /FontDescriptor %d 0 R >>"
+                    % (kind, base, " ".join(map(str, widths)).encode("ascii"), first + 1)]
+        entries.append(b"/F%d %d 0 R" % (i, first + 2))
+    kids = []
+    for _ in range(pages):
+        kids.append(b"%d 0 R" % (len(objects) + 1))
+        objects.append(b"<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] /Resources << /Font "
+                       b"<< %s >> >> /Contents %d 0 R >>" % (b" ".join(entries), len(objects) + 2))
+        objects.append(stream(text_content(chance, fonts)))
+    objects[1] = b"<< /Type /Pages /Count %d /Kids [%s] >>" % (pages, b" ".join(kids))
+    write_objects(path, objects)

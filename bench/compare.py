@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """Converts whole documents with norvane and with other converters of PDF to PostScript, and prints
 processor time, peak memory and output bytes, with ratios to norvane's. Documents are those named,
-or made here: one page with at least 1 MB of content, images, and 1, 10 and 100 pages to see
+or made here: one page with at least 1 MB of content, images, text, and 1, 10 and 100 pages to see
 growth."""
 
 import argparse
@@ -111,6 +111,9 @@ def main():
             benchpdf.write_image_pdf(image, space, png_predictor=png)
             compare(f"4 megapixels of {space}, Flate{' with a PNG predictor' if png else ''}",
                     image, converters, folder)
+        text = folder / "text.pdf"
+        benchpdf.write_text_pdf(text, 100)
+        compare("100 pages of text, Type 1 and TrueType", text, converters, folder)
         figures = []
         for pages in (1, 10, 100):
             document = folder / f"{pages}.pdf"
