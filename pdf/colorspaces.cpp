@@ -85,6 +85,14 @@ void LookUp(const ColorSpaceEntry& indexed, float index,
 
 }  // namespace
 
+const ColorSpaceEntry& SpaceBehind(const ColorSpaceEntry& entry) {
+    const ColorSpaceEntry* space = &entry;
+    while (space->kind != ColorSpaceEntry::Kind::kSpace && space->alternate != nullptr) {
+        space = space->alternate;
+    }
+    return *space;
+}
+
 ColorSpaces::ColorSpaces(HOST::ColorSpaceFactory& factory, HOST::BaseConnectionSpace& space,
                          const ColorSpaceOptions& options, Reporter& reporter)
     : mFactory(factory), mSpace(space), mOptions(options), mReporter(reporter) {}

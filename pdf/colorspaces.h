@@ -49,6 +49,10 @@ struct ColorSpaceEntry {
     mutable bool used = false;
 };
 
+/// The space in which the host holds colours of `entry`: itself, or what stands behind a palette or
+/// a replaced space. That of patterns without an underlying space stays as it is.
+const ColorSpaceEntry& SpaceBehind(const ColorSpaceEntry& entry);
+
 /// The spaces that stand for DeviceGray, DeviceRGB and DeviceCMYK, in this order; null for the
 /// device space itself. `key` is equal for equal sets and 0 for none.
 struct DefaultSpaces {
@@ -96,6 +100,11 @@ public:
     /// Sets the values (in PDF form) of a colour whose space is `entry`. Missing ones are 0.
     void SetValues(const ColorSpaceEntry& entry, std::span<const float> values,
                    HOST::CurrentColor& color);
+
+    /// Lets `recording`, too, find all spaces under their numbers.
+    void ServeRecording(HOST::BaseConnectionSpace& recording) const {
+        recording.ShareColorSpaces(mSpace);
+    }
 
     [[nodiscard]] const std::set<std::string>& UsedNames() const { return mUsedNames; }
 

@@ -4,9 +4,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -38,12 +38,19 @@ struct PlayContext {
     ImageDataReader& imageData;
     Shadings& shadings;
     Patterns& patterns;
+    OpenStreams& openStreams;
     Reporter& reporter;
     /// Overrides the intents of the content.
     std::optional<COLOR::TRenderingIntent> intent;
     /// The opacity of images goes on with them; else it is mixed with white paper.
     bool keepsAlpha = false;
     std::int32_t languageLevel = 3;
+
+    /// The same for content that goes into `recording`.
+    [[nodiscard]] PlayContext For(HOST::BaseConnectionSpace& recording) const {
+        return {recording, colorSpaces, optionalContent, forms,  imageData,  shadings,
+                patterns,  openStreams, reporter,        intent, keepsAlpha, languageLevel};
+    }
 };
 
 /// Plays the content of one page, of its forms and of its annotations into the connection space
@@ -123,8 +130,12 @@ public:
     /// level ends.
     bool Concat(const std::array<double, 6>& matrix);
 
-    /// Takes the current matrix for that of the page, from which patterns start.
+    /// Takes the current matrix for that of the page, from which patterns start, and brings the
+    /// rendering intent that overrides all others into force.
     void BeginPage();
+
+    /// Plays the cell of a tiling pattern into the space of `context`. `cell` outlives the call.
+    static void PlayCell(PlayContext& context, const PatternCell& cell);
 
     /// Clips to a rectangle of user space.
     void ClipToBox(const std::array<double, 4>& box);
@@ -158,8 +169,8 @@ private:
                                       kLargestNumber};
         const ColorSpaceEntry* fillSpace = nullptr;
         const ColorSpaceEntry* strokeSpace = nullptr;
-        std::shared_ptr<const Pattern> fillPattern;  // where the space is that of patterns
-        std::shared_ptr<const Pattern> strokePattern;
+        std::shared_ptr<Pattern> fillPattern;  // where the space is that of patterns
+        std::shared_ptr<Pattern> strokePattern;
         LineState line;
     };
 
@@ -221,6 +232,8 @@ private:
     }
 
     void Paint(unsigned flags);
+    /// Fills the path of the connection space, which stays.
+    void FillPath(bool evenOdd);
     bool MayPaint(bool fill);
 
     // contentinterpreter_color.cpp
@@ -241,17 +254,25 @@ private:
 
     void SelectSpace(bool fill);
     void SetColor(bool fill);
+    void SetColorValues(bool fill, const ColorSpaceEntry& space);
     void SetDeviceColor(bool fill, std::size_t device, Numbers v);
     void Select(bool fill, const ColorSpaceEntry& space);
+
+    /// False in the cell of an uncoloured pattern, which has the colour that it is used with.
+    [[nodiscard]] bool MayColor() const { return mCell == nullptr || mCell->isColored; }
 
     HOST::CurrentColor& ColorOf(bool fill) { return fill ? State().fill : State().stroke; }
 
     // contentinterpreter_shading.cpp
     void FillShading(Numbers);
     void DrawShadingRaster(const Shading& shading);
-    void SelectPattern(bool fill);
     /// Draws the shading of a pattern within the path.
     void FillPathWithShading(const Pattern& pattern, bool evenOdd);
+
+    // contentinterpreter_pattern.cpp
+    void SelectPattern(bool fill);
+    std::shared_ptr<Pattern> FindPattern(const ColorSpaceEntry* underlying);
+    bool DefinePattern(Pattern& pattern);
 
     // contentinterpreter_xobject.cpp
     void XObject(Numbers);
@@ -277,19 +298,22 @@ private:
     ImageContext ContextOfImages();
     void PaintImage(const ImageObject& object);
     void PaintStencil(Image& image);
+    /// Paints the pattern of fills through a stencil.
+    void PaintPatternThrough(Image& image);
     void PaintColors(Image& image);
     void PaintPixel(PlanarImage image, ImageMask mask, const std::string& label);
     void PaintSoft(Image& source, ImageMask mask, bool isOpaque);
     void PaintClipped(PlanarImage image, const ImageMask& mask, const std::string& label);
-    void PaintBand(const Banded& banded, const std::vector<PixelBox>& boxes);
+    /// Calls `paint` with the opaque boxes of a mask, band by band, so that no path of boxes grows
+    /// too large. The space is then that of the mask's pixels, from the upper left corner.
+    using PaintBand = std::function<void(std::span<const PixelBox>)>;
+    void ForBands(const ImageMask& mask, const PaintBand& paint);
     void PaintBoxes(const Banded& banded, std::span<const PixelBox> boxes);
     void PaintRaster(PlanarImage image, const std::string& label);
     void DrawStencil(const HOST::ColorSpacePtr& space, std::vector<std::uint8_t> palette,
                      PlaneSourcePtr bits, std::int32_t width, std::int32_t height,
                      const std::string& label);
     void DrawRaster(const HOST::RasterPtr& raster, const std::string& label);
-
-    static constexpr std::size_t kMaxFormDepth = 28;
 
     PlayContext& mContext;
     std::vector<Level> mLevels;
@@ -299,7 +323,7 @@ private:
     PendingClip mPendingClip = PendingClip::kNone;
     std::array<float, 6> mNumbers{};
     std::vector<float> mValues;
-    std::set<QPDFObjGen> mOpenForms;
+    const PatternCell* mCell = nullptr;  // that this plays
 };
 
 }  // namespace VANTIX::PDF

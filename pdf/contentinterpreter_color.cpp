@@ -14,7 +14,7 @@ void ContentInterpreter::Select(bool fill, const ColorSpaceEntry& space) {
 
 void ContentInterpreter::SelectSpace(bool fill) {
     const std::optional<std::string_view> name = LastName();
-    if (!name) {
+    if (!name || !MayColor()) {
         return;
     }
     const ColorSpaceEntry* space = mFrame.resources->FindColorSpace(*name);
@@ -26,13 +26,20 @@ void ContentInterpreter::SelectSpace(bool fill) {
     Select(fill, *space);
 }
 
-// Of too many values the last count, of too few the missing are 0.
 void ContentInterpreter::SetColor(bool fill) {
+    if (!MayColor()) {
+        return;
+    }
     const ColorSpaceEntry& space = fill ? *Top().fillSpace : *Top().strokeSpace;
     if (space.kind == ColorSpaceEntry::Kind::kPattern) {
         SelectPattern(fill);
         return;
     }
+    SetColorValues(fill, space);
+}
+
+// Of too many values the last count, of too few the missing are 0.
+void ContentInterpreter::SetColorValues(bool fill, const ColorSpaceEntry& space) {
     mValues.clear();
     for (const Operand& operand : Operands()) {
         if (operand.kind == OperandKind::kNumber) {
@@ -50,6 +57,9 @@ void ContentInterpreter::SetColor(bool fill) {
 
 void ContentInterpreter::SetDeviceColor(bool fill, std::size_t device, Numbers v) {
     constexpr std::array<std::size_t, 3> kComponents = {1, 3, 4};
+    if (!MayColor()) {
+        return;
+    }
     const ColorSpaceEntry& space = mFrame.resources->DeviceSpace(device);
     if ((fill ? Top().fillSpace : Top().strokeSpace) != &space || !space.used) {
         Select(fill, space);

@@ -76,6 +76,16 @@ std::vector<std::uint8_t> PaletteOf(const float* values, std::int32_t count) {
     return palette;
 }
 
+Path PathOf(std::span<const PixelBox> boxes) {
+    Path path;
+    for (const PixelBox& box : boxes) {
+        path.Rectangle(static_cast<float>(box.left), static_cast<float>(box.top),
+                       static_cast<float>(box.right - box.left),
+                       static_cast<float>(box.bottom - box.top));
+    }
+    return path;
+}
+
 std::size_t LineBytesOf(const HOST::RasterFormat& format) {
     return (static_cast<std::size_t>(format.width) * static_cast<std::size_t>(format.bits) + 7) / 8;
 }
@@ -111,7 +121,7 @@ void ContentInterpreter::PaintImage(const ImageObject& object) {
         const auto image = Image::Open(object, *mFrame.resources, ContextOfImages());
         if (image && image->IsStencil()) {
             PaintStencil(*image);
-        } else if (image) {
+        } else if (image && MayColor()) {
             PaintColors(*image);
         }
     } catch (const std::exception& failure) {
@@ -163,9 +173,7 @@ void ContentInterpreter::PaintStencil(Image& image) {
         return;
     }
     if (Top().fillPattern) {
-        mContext.reporter.Warn("pattern", image.Label() +
-                                              ": what is painted through it with a "
-                                              "pattern is left out");
+        PaintPatternThrough(image);
         return;
     }
     PlaneSourcePtr bits = image.StencilBits();
@@ -176,11 +184,7 @@ void ContentInterpreter::PaintStencil(Image& image) {
     std::array<float, COLOR::kMaxComponents> values = fill.values;
     HOST::ColorSpacePtr space = fill.space;
     // A palette entry of an image mask is written as 0 to 1, which Lab is not.
-    const ColorSpaceEntry* entry = Top().fillSpace;
-    while (entry->kind != ColorSpaceEntry::Kind::kSpace && entry->alternate != nullptr) {
-        entry = entry->alternate;
-    }
-    if (IsLab(*entry)) {
+    if (IsLab(SpaceBehind(*Top().fillSpace))) {
         std::array<float, 3> pcs{};
         space = mContext.colorSpaces.Named("DeviceRGB", {})->space;
         fill.space->ToPCS(fill.values.data(), pcs.data(), State().intent);
@@ -258,8 +262,50 @@ void ContentInterpreter::PaintSoft(Image& source, ImageMask mask, bool isOpaque)
     DrawRaster(raster, source.Label());
 }
 
-// Draws band by band, so that no clip grows too large: the opaque boxes of a band clip the lines of
-// the image that lie under it.
+void ContentInterpreter::ForBands(const ImageMask& mask, const PaintBand& paint) {
+    const auto paintAll = [&](const std::vector<PixelBox>& boxes) {
+        for (std::size_t i = 0; i < boxes.size(); i += kMostBoxesOfClip) {
+            const std::size_t count = std::min(kMostBoxesOfClip, boxes.size() - i);
+            const ScopedLevel level(*this);
+            if (level.IsSaved() &&
+                Concat({1.0 / mask.width, 0.0, 0.0, -1.0 / mask.height, 0.0, 1.0})) {
+                paint(std::span(boxes).subspan(i, count));
+            }
+        }
+    };
+    OpaqueBoxes boxes(mask.width);
+    std::vector<std::uint8_t> line(static_cast<std::size_t>(mask.width));
+    std::uint8_t* const plane = line.data();
+    for (std::int32_t y = 0; y < mask.height; ++y) {
+        mask.opacity->ReadLine(y, &plane);
+        boxes.AddLine(plane);
+        if (boxes.Count() >= kBoxesOfBand) {
+            paintAll(boxes.Take());
+        }
+    }
+    paintAll(boxes.Take());
+}
+
+void ContentInterpreter::PaintPatternThrough(Image& image) {
+    ImageMask mask{image.Opacity(), image.Width(), image.Height(), {}};
+    if (!mask.opacity) {
+        return;
+    }
+    if (Survey(mask) == MaskKind::kSoft) {
+        mContext.reporter.Warn("pattern", image.Label() +
+                                              ": the pattern painted through it is left out: it "
+                                              "is too finely divided");
+        return;
+    }
+    mask.opacity = image.Opacity();
+    ForBands(mask, [this](std::span<const PixelBox> boxes) {
+        PathOf(boxes).PlayTo(mContext.space);
+        FillPath(false);
+        mContext.space.NewPath();
+    });
+}
+
+// The opaque boxes of a band clip the lines of the image that lie under it.
 void ContentInterpreter::PaintClipped(PlanarImage image, const ImageMask& mask,
                                       const std::string& label) {
     if (!image.source) {
@@ -268,46 +314,20 @@ void ContentInterpreter::PaintClipped(PlanarImage image, const ImageMask& mask,
     Banded banded{image.format, image.isDeviceN, nullptr, mask.width, mask.height, label};
     banded.shared = std::make_shared<SharedPlanes>(std::move(image.source), image.PlaneCount(),
                                                    LineBytesOf(image.format));
-    OpaqueBoxes boxes(mask.width);
-    std::vector<std::uint8_t> line(static_cast<std::size_t>(mask.width));
-    std::uint8_t* const plane = line.data();
-    for (std::int32_t y = 0; y < mask.height; ++y) {
-        mask.opacity->ReadLine(y, &plane);
-        boxes.AddLine(plane);
-        if (boxes.Count() >= kBoxesOfBand) {
-            PaintBand(banded, boxes.Take());
-        }
-    }
-    PaintBand(banded, boxes.Take());
-}
-
-void ContentInterpreter::PaintBand(const Banded& banded, const std::vector<PixelBox>& boxes) {
-    for (std::size_t i = 0; i < boxes.size(); i += kMostBoxesOfClip) {
-        const std::size_t count = std::min(kMostBoxesOfClip, boxes.size() - i);
-        PaintBoxes(banded, std::span(boxes).subspan(i, count));
-    }
+    ForBands(mask, [&](std::span<const PixelBox> boxes) { PaintBoxes(banded, boxes); });
 }
 
 void ContentInterpreter::PaintBoxes(const Banded& banded, std::span<const PixelBox> boxes) {
-    const ScopedLevel level(*this);
-    if (!level.IsSaved()) {
-        return;
-    }
     HOST::BaseConnectionSpace& space = mContext.space;
     const auto columns = static_cast<float>(banded.columns);
     const auto rows = static_cast<float>(banded.rows);
-    space.Concat(1.0F / columns, 0.0F, 0.0F, -1.0F / rows, 0.0F, 1.0F);
     std::int64_t top = banded.rows;
     std::int64_t bottom = 0;
-    Path path;
     for (const PixelBox& box : boxes) {
         top = std::min<std::int64_t>(top, box.top);
         bottom = std::max<std::int64_t>(bottom, box.bottom);
-        path.Rectangle(static_cast<float>(box.left), static_cast<float>(box.top),
-                       static_cast<float>(box.right - box.left),
-                       static_cast<float>(box.bottom - box.top));
     }
-    path.PlayTo(space);
+    PathOf(boxes).PlayTo(space);
     space.Clip();
     space.NewPath();
     const std::int64_t height = banded.format.height;

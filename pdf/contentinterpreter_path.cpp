@@ -52,10 +52,8 @@ void ContentInterpreter::Paint(unsigned flags) {
     if (fill || stroke || (!mPath.IsEmpty() && clip != PendingClip::kNone)) {
         HOST::BaseConnectionSpace& space = mContext.space;
         mPath.PlayTo(space);
-        if (fill && Top().fillPattern && mContext.languageLevel < 3) {
-            FillPathWithShading(*Top().fillPattern, (flags & kEvenOdd) != 0);
-        } else if (fill) {
-            (flags & kEvenOdd) != 0 ? space.EOFill() : space.Fill();
+        if (fill) {
+            FillPath((flags & kEvenOdd) != 0);
         }
         if (stroke) {
             space.Stroke();
@@ -66,6 +64,15 @@ void ContentInterpreter::Paint(unsigned flags) {
         space.NewPath();
     }
     mPath.Clear();
+}
+
+void ContentInterpreter::FillPath(bool evenOdd) {
+    const Pattern* pattern = Top().fillPattern.get();
+    if (pattern != nullptr && pattern->shading && mContext.languageLevel < 3) {
+        FillPathWithShading(*pattern, evenOdd);
+    } else {
+        evenOdd ? mContext.space.EOFill() : mContext.space.Fill();
+    }
 }
 
 bool ContentInterpreter::MayPaint(bool fill) {
@@ -81,7 +88,7 @@ bool ContentInterpreter::MayPaint(bool fill) {
     if (space->kind == ColorSpaceEntry::Kind::kPattern && !pattern) {
         return false;
     }
-    if (pattern && !fill && mContext.languageLevel < 3) {
+    if (pattern && pattern->shading && !fill && mContext.languageLevel < 3) {
         mContext.reporter.Warn("pattern",
                                "What is stroked with a shading is left out: language "
                                "level 2 has none");

@@ -13,7 +13,7 @@ namespace VANTIX::PDF {
 
 void ContentInterpreter::FillShading(Numbers) {
     const std::optional<std::string_view> name = LastName();
-    if (!name || IsHidden() || Top().isCollapsed || State().fillAlpha <= 0.0F) {
+    if (!name || !MayColor() || IsHidden() || Top().isCollapsed || State().fillAlpha <= 0.0F) {
         return;
     }
     const QPDFObjectHandle object = mFrame.resources->Find("/Shading", *name);
@@ -67,38 +67,6 @@ void ContentInterpreter::DrawShadingRaster(const Shading& shading) {
             PaintRaster(std::move(picture.image), "A shading");
         }
     }
-}
-
-void ContentInterpreter::BeginPage() {
-    mPageMatrix = Top().matrix;
-    mContext.patterns.BeginPage();
-}
-
-void ContentInterpreter::SelectPattern(bool fill) {
-    auto& selected = fill ? Top().fillPattern : Top().strokePattern;
-    selected = nullptr;
-    const std::optional<std::string_view> name = LastName();
-    if (!name) {
-        return;
-    }
-    const QPDFObjectHandle object = mFrame.resources->Find("/Pattern", *name);
-    const auto toPage = Inverse(mPageMatrix);
-    if (IsNull(object)) {
-        mContext.reporter.Warn("missing-resource", "There is no pattern " + std::string(*name));
-    } else if (toPage && !Top().isCollapsed) {
-        selected =
-            mContext.patterns.Find(object, *mFrame.resources, Multiply(mFrame.matrix, *toPage));
-    }
-    if (!selected || mContext.languageLevel < 3) {
-        return;
-    }
-    mContext.colorSpaces.UseForImage(*selected->shading->space);
-    mContext.space.AddColorSpace(selected->space.Get(), selected->id);
-    mContext.space.RegisterColorSpaceUse(selected->id, fill);
-    HOST::CurrentColor& color = ColorOf(fill);
-    color.space = selected->space;
-    color.id = selected->id;
-    color.count = 0;
 }
 
 void ContentInterpreter::FillPathWithShading(const Pattern& pattern, bool evenOdd) {

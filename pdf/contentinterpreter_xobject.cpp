@@ -29,7 +29,8 @@ void ContentInterpreter::XObject(Numbers) {
 }
 
 void ContentInterpreter::DrawForm(const QPDFObjectHandle& stream, Resources& resources) {
-    if (mOpenForms.size() >= kMaxFormDepth || !mOpenForms.insert(stream.getObjGen()).second) {
+    const OpenStreams::Mark mark(mContext.openStreams, stream);
+    if (!mark.IsSet()) {
         mContext.reporter.Warn("recursion", "A form that holds itself or is nested too deep");
         return;
     }
@@ -47,7 +48,6 @@ void ContentInterpreter::DrawForm(const QPDFObjectHandle& stream, Resources& res
     } catch (const std::exception& failure) {
         mContext.reporter.Warn("damaged", failure.what());
     }
-    mOpenForms.erase(stream.getObjGen());
 }
 
 // The group as a whole takes the alpha of the moment, its content starts afresh. False when nothing

@@ -22,13 +22,26 @@ void ReportStream(StreamResult result, const std::string& what, Reporter& report
     }
 }
 
-std::shared_ptr<Form> FormCache::Find(const QPDFObjectHandle& stream) {
+OpenStreams::Mark::Mark(OpenStreams& open, const QPDFObjectHandle& stream)
+    : mOpen(open), mStream(QPDFObjectHandle(stream).getObjGen()), mIsSet(open.MayOpen(mStream)) {
+    if (mIsSet) {
+        mOpen.mStreams.insert(mStream);
+    }
+}
+
+OpenStreams::Mark::~Mark() {
+    if (mIsSet) {
+        mOpen.mStreams.erase(mStream);
+    }
+}
+
+std::shared_ptr<Form> FormCache::Find(const QPDFObjectHandle& stream, const char* label) {
     const auto known = mForms.find(stream.getObjGen());
     if (known != mForms.end()) {
         return known->second;
     }
     auto form = std::make_shared<Form>();
-    ReportStream(AppendStreamData(stream, form->content, kLargestContent), "A form", mReporter);
+    ReportStream(AppendStreamData(stream, form->content, kLargestContent), label, mReporter);
     form->matrix = MatrixOf(Get(stream, "/Matrix"));
     form->box = RectangleOf(Get(stream, "/BBox"));
     const QPDFObjectHandle group = Get(stream, "/Group");

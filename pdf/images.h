@@ -72,6 +72,10 @@ public:
     /// One plane of bits of a stencil mask: set where it paints.
     PlaneSourcePtr StencilBits();
 
+    /// One plane of 8 bits, of a stencil, of an explicit or of a soft mask: 0xFF where it paints
+    /// whole.
+    PlaneSourcePtr Opacity();
+
     /// The mask of a coloured image, or nothing.
     std::optional<ImageMask> Mask();
 
@@ -101,7 +105,6 @@ private:
     // images_masks.cpp
     static std::unique_ptr<Image> OpenMask(const QPDFObjectHandle& stream, bool isSoft,
                                            const ImageContext& context);
-    PlaneSourcePtr Opacity();
     std::optional<ImageMask> StreamMask(const QPDFObjectHandle& stream, bool isSoft);
     std::optional<ImageMask> OwnAlpha(bool isPremultiplied);
     std::optional<ImageMask> ColorKeyMask(const QPDFObjectHandle& ranges);

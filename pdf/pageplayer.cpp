@@ -27,7 +27,7 @@ struct PagePlayer::Parts {
           optionalContent(theDocument.Qpdf()),
           forms(colorSpaces, reporter),
           shadings(colorSpaces, reporter),
-          patterns(shadings, reporter),
+          patterns(colorSpaces, shadings, forms, reporter),
           context{space,
                   colorSpaces,
                   optionalContent,
@@ -35,10 +35,17 @@ struct PagePlayer::Parts {
                   imageData,
                   shadings,
                   patterns,
+                  openStreams,
                   reporter,
                   theOptions.intent,
                   theOptions.keepsAlpha,
-                  theOptions.languageLevel} {}
+                  theOptions.languageLevel} {
+        patterns.SetCellPlayer(
+            [this](const PatternCell& cell, HOST::BaseConnectionSpace& recording) {
+                PlayContext inner = context.For(recording);
+                ContentInterpreter::PlayCell(inner, cell);
+            });
+    }
 
     void PlayContent(ContentInterpreter& interpreter, int index, Resources& resources);
     void PlayPage(int index);
@@ -54,6 +61,7 @@ struct PagePlayer::Parts {
     ImageDataReader imageData;
     Shadings shadings;
     Patterns patterns;
+    OpenStreams openStreams;
     PlayContext context;
 };
 
@@ -108,16 +116,11 @@ void PagePlayer::Parts::SetUpPage(ContentInterpreter& interpreter, const PageGeo
     std::copy(geometry.matrix.begin(), geometry.matrix.end(), matrix.begin());
     interpreter.Concat(matrix);
     context.space.SaveInitialPageMatrix();
+    patterns.BeginPage(geometry);
     interpreter.BeginPage();
     std::array<double, 4> box{};
     std::copy(geometry.box.begin(), geometry.box.end(), box.begin());
     interpreter.ClipToBox(box);
-    if (options.intent) {
-        HOST::GraphicsParameters& state = context.space.State().Current();
-        state.intent = state.intent2 = *options.intent;
-        context.space.SelectRenderingIntent(*options.intent);
-        context.space.SelectRenderingIntent2(*options.intent);
-    }
 }
 
 void PagePlayer::Parts::PlayPage(int index) {

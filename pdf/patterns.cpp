@@ -2,45 +2,118 @@
 #include "pdf/patterns.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/color/patternspaces.h"
 #include "pdf/objects.h"
 
 namespace VANTIX::PDF {
 
-std::shared_ptr<const Pattern> Patterns::Find(const QPDFObjectHandle& object, Resources& resources,
-                                              const std::array<double, 6>& parent) {
-    QPDFObjectHandle definition = object;
+namespace {
+
+std::array<float, 6> ToFloats(const std::array<double, 6>& matrix) {
+    std::array<float, 6> floats{};
+    std::transform(matrix.begin(), matrix.end(), floats.begin(), ToFloat);
+    return floats;
+}
+
+}  // namespace
+
+void Patterns::BeginPage(const PageGeometry& page) {
+    std::array<float, 8> key{page.width, page.height};
+    std::copy(page.matrix.begin(), page.matrix.end(), key.begin() + 2);
+    if (std::exchange(mPage, key) != key) {
+        mPatterns.clear();
+    }
+    mNested = 0;
+}
+
+std::shared_ptr<Pattern> Patterns::Find(const Use& use) {
+    QPDFObjectHandle definition = use.object;
     std::string key = definition.isIndirect() ? definition.getObjGen().unparse(' ')
                                               : definition.unparseResolved();
-    key += ' ' + std::to_string(resources.DefaultsKey());
-    for (const double number : parent) {
+    key += ' ' + std::to_string(use.resources.DefaultsKey()) + ' ' +
+           std::to_string(use.outer == nullptr ? 0 : use.outer->id) + ' ' +
+           std::to_string(use.underlying == nullptr ? 0 : use.underlying->id);
+    for (const double number : use.parent) {
         key += ' ' + std::to_string(number);
     }
     const auto known = mPatterns.find(key);
-    return known != mPatterns.end()
-               ? known->second
-               : mPatterns.emplace(key, Make(object, resources, parent)).first->second;
+    return known != mPatterns.end() ? known->second
+                                    : mPatterns.emplace(key, Make(use)).first->second;
 }
 
-std::shared_ptr<const Pattern> Patterns::Make(const QPDFObjectHandle& object, Resources& resources,
-                                              const std::array<double, 6>& parent) {
+std::shared_ptr<Pattern> Patterns::Make(const Use& use) {
     constexpr std::int32_t kShadingPattern = 2;
-    if (IntegerOf(Get(object, "/PatternType")).value_or(0) != kShadingPattern) {
-        mReporter.Warn("pattern", "What is painted with a tiling pattern is left out");
-        return nullptr;
-    }
     auto pattern = std::make_shared<Pattern>();
-    pattern->shading = mShadings.Find(Get(object, "/Shading"), resources);
-    if (!pattern->shading) {
-        return nullptr;
-    }
-    pattern->matrix = Multiply(MatrixOf(Get(object, "/Matrix")), parent);
-    std::array<float, 6> matrix{};
-    std::transform(pattern->matrix.begin(), pattern->matrix.end(), matrix.begin(), ToFloat);
-    pattern->space = HOST::MakeShadingPattern(pattern->shading->shading, matrix);
     pattern->id = mNextId++;
-    return pattern;
+    pattern->matrix = Multiply(MatrixOf(Get(use.object, "/Matrix")), use.parent);
+    const bool isShading =
+        IntegerOf(Get(use.object, "/PatternType")).value_or(1) == kShadingPattern;
+    return (isShading ? MakeShading(use, *pattern) : MakeTiling(use, *pattern)) ? pattern : nullptr;
+}
+
+bool Patterns::MakeShading(const Use& use, Pattern& pattern) {
+    pattern.shading = mShadings.Find(Get(use.object, "/Shading"), use.resources);
+    if (pattern.shading) {
+        pattern.space =
+            HOST::MakeShadingPattern(pattern.shading->shading, ToFloats(pattern.matrix));
+    }
+    return pattern.shading != nullptr;
+}
+
+bool Patterns::Refuse(const char* reason) {
+    mReporter.Warn("pattern",
+                   std::string("What is painted with a tiling pattern is left out: ") + reason);
+    return false;
+}
+
+bool Patterns::MakeTiling(const Use& use, Pattern& pattern) {
+    constexpr std::int32_t kUncolored = 2;
+    const QPDFObjectHandle& stream = use.object;
+    if (!QPDFObjectHandle(stream).isStream()) {
+        return Refuse("it is no stream");
+    }
+    if (use.outer != nullptr && ++mNested > kMaxNested) {
+        return Refuse("there are too many within one another");
+    }
+    const auto form = mForms.Find(stream, "The cell of a pattern");
+    if (!form->box) {
+        return Refuse("it has no box");
+    }
+    auto cell = std::make_shared<PatternCell>();
+    cell->stream = stream;
+    cell->content = form;
+    cell->resources = form->resources ? std::shared_ptr<Resources>(form, form->resources.get())
+                                      : std::make_shared<Resources>(use.resources);
+    cell->isColored = IntegerOf(Get(stream, "/PaintType")).value_or(1) != kUncolored;
+    cell->box = *form->box;
+    cell->matrix = Multiply(pattern.matrix, use.page);
+    cell->id = pattern.id;
+    HOST::TilingPattern tiling;
+    if (!cell->isColored) {
+        pattern.underlying = use.underlying;
+        if (pattern.underlying == nullptr) {
+            return Refuse("it has no colour");
+        }
+        tiling.paintType = kUncolored;
+        tiling.underlying = pattern.underlying->space;
+    }
+    tiling.number = pattern.id;
+    tiling.tilingType = IntegerOf(Get(stream, "/TilingType")).value_or(1);
+    const auto& [x0, y0, x1, y1] = cell->box;
+    tiling.bounds = {ToFloat(x0), ToFloat(y0), ToFloat(x1 - x0), ToFloat(y1 - y0)};
+    tiling.xStep = ToFloat(NumberOf(Get(stream, "/XStep")).value_or(x1 - x0));
+    tiling.yStep = ToFloat(NumberOf(Get(stream, "/YStep")).value_or(y1 - y0));
+    tiling.matrix = ToFloats(pattern.matrix);
+    tiling.play = [this, cell](HOST::BaseConnectionSpace& recording) {
+        mColorSpaces.ServeRecording(recording);
+        cell->wasPlayed = true;
+        mPlayer(*cell, recording);
+    };
+    pattern.cell = std::move(cell);
+    pattern.space = HOST::MakeTilingPattern(std::move(tiling));
+    return true;
 }
 
 }  // namespace VANTIX::PDF

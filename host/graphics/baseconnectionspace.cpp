@@ -65,7 +65,7 @@ BaseConnectionSpace* BaseConnectionSpace::From(IConnectionSpace* space) {
 
 void BaseConnectionSpace::EnterColorSpace(COLOR::IConnectionColorSpace* space, ResourceId id) {
     if (space != nullptr) {
-        mSpaces.try_emplace(id, TInterfacePtr<COLOR::IConnectionColorSpace>(space));
+        mSpaces->try_emplace(id, TInterfacePtr<COLOR::IConnectionColorSpace>(space));
     }
 }
 
@@ -102,8 +102,8 @@ Status BaseConnectionSpace::Init(GRAPHICS::IDelegateConnectionSpace* delegate) {
 }
 
 bool BaseConnectionSpace::GetColorSpace(ResourceId id, COLOR::IConnectionColorSpace** out) {
-    const auto found = mSpaces.find(id);
-    *out = found == mSpaces.end() ? nullptr : TInterfacePtr(found->second).Detach();
+    const auto found = mSpaces->find(id);
+    *out = found == mSpaces->end() ? nullptr : TInterfacePtr(found->second).Detach();
     return *out != nullptr;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 
 #include "core/graphics/iconnectionspace.h"
 #include "core/object/tobject.h"
@@ -32,6 +33,10 @@ public:
     /// Enters a space under its number, with a reference, without telling the delegate: for spaces
     /// that need no resource made beforehand. An entry that is there already stays.
     void EnterColorSpace(COLOR::IConnectionColorSpace* space, ResourceId id);
+
+    /// Uses the table of `other` from now on, too, whose numbers so mean the same in both: for
+    /// recordings, each of which comes with a base space of its own.
+    void ShareColorSpaces(const BaseConnectionSpace& other) { mSpaces = other.mSpaces; }
 
     Status QueryInterface(const GUID& id, void** out) override;
     /// `kInvalidArgument` without a delegate, or for a second one.
@@ -115,12 +120,13 @@ public:
 
 private:
     class Tie;
+    using SpaceTable = std::map<ResourceId, TInterfacePtr<COLOR::IConnectionColorSpace>>;
 
     GRAPHICS::IDelegateConnectionSpace* mDelegate = nullptr;  // not counted: it owns this object
     Tie* mTie = nullptr;                                      // not counted: the delegate owns it
     bool mAskingDelegate = false;
     TInterfacePtr<GraphicsState> mState;
-    std::map<ResourceId, TInterfacePtr<COLOR::IConnectionColorSpace>> mSpaces;
+    std::shared_ptr<SpaceTable> mSpaces = std::make_shared<SpaceTable>();
 };
 
 }  // namespace VANTIX::HOST
