@@ -132,6 +132,8 @@ public:
     virtual std::uint32_t& PatternImageCounter() { return mPatternImages; }
 
 protected:
+    /// How much has been written on `stream`; the largest number also stands for more.
+    static std::int32_t PositionOf(IPostScriptDataStream& stream);
     /// A new output context on the streams of this space, or null.
     virtual TInterfacePtr<PostScriptOutputContext> MakeOutputContext();
 

@@ -69,14 +69,13 @@ bool IsMakeable(const COLOR::IPatternConnectionColorSpace& pattern) {
            std::abs(double{width} / xStep * height / yStep) <= kMostOverlaps;
 }
 
-/// How much has been written on `stream`; the largest number also stands for more.
-std::int32_t PositionOf(IPostScriptDataStream& stream) {
+}  // namespace
+
+std::int32_t PostScriptConnectionSpace::PositionOf(IPostScriptDataStream& stream) {
     TInterfacePtr<IO::IDataProvider> provider;
     stream.GetDataProvider(provider);
     return provider ? provider->GetPosition() : 0;
 }
-
-}  // namespace
 
 void PostScriptConnectionSpace::RegisterColorSpaceUse(ResourceId id, bool /*fill*/) {
     RegisterColorSpaceUse(id);

@@ -13,9 +13,10 @@ namespace VANTIX::PS {
 inline constexpr std::int32_t kUncolouredPaintType = 2;
 
 /// Records the cell of a tiling pattern as the body of its procedure, which is cut into blocks
-/// "{…}exec" so that no procedure outgrows an interpreter. It has a colour delegate, an output
-/// context and a base connection space of its own; what may not stand in the procedure (the data of
-/// images and meshes) goes to the stream of the space that asked for the pattern, its owner.
+/// "{…}exec", and those of a very long one into parts, so that no procedure outgrows an
+/// interpreter. It has a colour delegate, an output context and a base connection space of its own;
+/// what may not stand in the procedure (the data of images and meshes) goes to the stream of the
+/// space that asked for the pattern, its owner.
 class TilingPatterPSConnectionSpace : public PostScriptConnectionSpace {
 public:
     /// `owner` and `pattern` must outlive the recorder.
@@ -36,6 +37,7 @@ public:
     bool Init(IO::IDataProvider* stream, IClassFactory* factory,
               const IO::IDictionary* policy) override;
 
+    void RestoreGraphicsState() override;
     void RegisterColorSpaceUse(ResourceId id) override;
     void MoveTo(float x, float y) override;
     void LineTo(const float* points, std::int32_t count) override;
@@ -81,6 +83,9 @@ private:
     /// Ends the block when `elements` more would make it too long, and begins the next.
     void CutBlock(std::int32_t elements);
     void CloseBlock();
+    /// Between operations: puts them into procedures of their own, from where the body outgrows
+    /// one.
+    void CutBody();
 
     PostScriptConnectionSpace& mOwner;
     COLOR::IPatternConnectionColorSpace& mPattern;
@@ -88,6 +93,9 @@ private:
     bool mBlockIsOpen = false;
     std::int32_t mBlockElements = 0;
     bool mDefinesPatterns = false;
+    IPostScriptDataStream* mBody = nullptr;  // of what is recorded, outside all forms
+    std::int32_t mBodyStart = 0;             // of the part that is open
+    bool mPartIsOpen = false;
 };
 
 }  // namespace VANTIX::PS

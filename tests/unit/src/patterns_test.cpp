@@ -455,6 +455,21 @@ TEST_F(Patterns, LongPathsAreCutAndWhatIsLeftOpenIsClosed) {
     EXPECT_EQ(At(12, 12), kRed);
 }
 
+TEST_F(Patterns, LongCellsAreCutIntoProceduresThatAnInterpreterTakes) {
+    Start();
+    cell->draw = [this](GRAPHICS::IConnectionSpace& to) {
+        CellBase& in = In(to);
+        for (int i = 0; i < 60000; ++i) {
+            in.Use("rgb "_cc, rgb, {1, 0, i % 2 == 0 ? 1.0F : 0.0F});
+            in.Rectangle(0, 0, 5);
+        }
+    };
+    Cover(7, tile);
+    const std::string text = Drawn();
+    EXPECT_GT(Count(text, "}exec\n{newpath"), 10U);
+    EXPECT_EQ(At(12, 12), kRed);
+}
+
 TEST_F(Patterns, CellsThatPaintWithThemselvesComeToAnEnd) {
     Start();
     cell->draw = [this](GRAPHICS::IConnectionSpace& to) {
