@@ -57,7 +57,7 @@ public:
     };
 
     [[nodiscard]] bool MayOpen(const QPDFObjGen& stream) const {
-        return mStreams.size() < kMaxDepth && mStreams.count(stream) == 0;
+        return mStreams.size() < kMaxDepth && !mStreams.contains(stream);
     }
 
 private:

@@ -11,6 +11,8 @@ namespace VANTIX::PDF {
 
 namespace {
 
+constexpr std::int32_t kUncolored = 2;  // PaintType
+
 std::array<float, 6> ToFloats(const std::array<double, 6>& matrix) {
     std::array<float, 6> floats{};
     std::transform(matrix.begin(), matrix.end(), floats.begin(), ToFloat);
@@ -68,8 +70,24 @@ bool Patterns::Refuse(const char* reason) {
     return false;
 }
 
+std::shared_ptr<PatternCell> Patterns::MakeCell(const Use& use, const Pattern& pattern) {
+    const auto form = mForms.Find(use.object, "The cell of a pattern");
+    if (!form->box) {
+        return nullptr;
+    }
+    auto cell = std::make_shared<PatternCell>();
+    cell->stream = use.object;
+    cell->content = form;
+    cell->resources = form->resources ? std::shared_ptr<Resources>(form, form->resources.get())
+                                      : std::make_shared<Resources>(use.resources);
+    cell->isColored = IntegerOf(Get(use.object, "/PaintType")).value_or(1) != kUncolored;
+    cell->box = *form->box;
+    cell->matrix = Multiply(pattern.matrix, use.page);
+    cell->id = pattern.id;
+    return cell;
+}
+
 bool Patterns::MakeTiling(const Use& use, Pattern& pattern) {
-    constexpr std::int32_t kUncolored = 2;
     const QPDFObjectHandle& stream = use.object;
     if (!QPDFObjectHandle(stream).isStream()) {
         return Refuse("it is no stream");
@@ -77,20 +95,22 @@ bool Patterns::MakeTiling(const Use& use, Pattern& pattern) {
     if (use.outer != nullptr && ++mNested > kMaxNested) {
         return Refuse("there are too many within one another");
     }
-    const auto form = mForms.Find(stream, "The cell of a pattern");
-    if (!form->box) {
+    const auto cell = MakeCell(use, pattern);
+    if (!cell) {
         return Refuse("it has no box");
     }
-    auto cell = std::make_shared<PatternCell>();
-    cell->stream = stream;
-    cell->content = form;
-    cell->resources = form->resources ? std::shared_ptr<Resources>(form, form->resources.get())
-                                      : std::make_shared<Resources>(use.resources);
-    cell->isColored = IntegerOf(Get(stream, "/PaintType")).value_or(1) != kUncolored;
-    cell->box = *form->box;
-    cell->matrix = Multiply(pattern.matrix, use.page);
-    cell->id = pattern.id;
+    const auto& [x0, y0, x1, y1] = cell->box;
     HOST::TilingPattern tiling;
+    tiling.number = pattern.id;
+    tiling.tilingType = IntegerOf(Get(stream, "/TilingType")).value_or(1);
+    tiling.bounds = {ToFloat(x0), ToFloat(y0), ToFloat(x1 - x0), ToFloat(y1 - y0)};
+    tiling.xStep = ToFloat(NumberOf(Get(stream, "/XStep")).value_or(x1 - x0));
+    tiling.yStep = ToFloat(NumberOf(Get(stream, "/YStep")).value_or(y1 - y0));
+    tiling.matrix = ToFloats(pattern.matrix);
+    if (!(x0 < x1) || !(y0 < y1) || tiling.xStep == 0.0F || tiling.yStep == 0.0F ||
+        !IsInvertible(pattern.matrix)) {
+        return Refuse("its cells have no area");
+    }
     if (!cell->isColored) {
         pattern.underlying = use.underlying;
         if (pattern.underlying == nullptr) {
@@ -99,19 +119,12 @@ bool Patterns::MakeTiling(const Use& use, Pattern& pattern) {
         tiling.paintType = kUncolored;
         tiling.underlying = pattern.underlying->space;
     }
-    tiling.number = pattern.id;
-    tiling.tilingType = IntegerOf(Get(stream, "/TilingType")).value_or(1);
-    const auto& [x0, y0, x1, y1] = cell->box;
-    tiling.bounds = {ToFloat(x0), ToFloat(y0), ToFloat(x1 - x0), ToFloat(y1 - y0)};
-    tiling.xStep = ToFloat(NumberOf(Get(stream, "/XStep")).value_or(x1 - x0));
-    tiling.yStep = ToFloat(NumberOf(Get(stream, "/YStep")).value_or(y1 - y0));
-    tiling.matrix = ToFloats(pattern.matrix);
     tiling.play = [this, cell](HOST::BaseConnectionSpace& recording) {
         mColorSpaces.ServeRecording(recording);
         cell->wasPlayed = true;
         mPlayer(*cell, recording);
     };
-    pattern.cell = std::move(cell);
+    pattern.cell = cell;
     pattern.space = HOST::MakeTilingPattern(std::move(tiling));
     return true;
 }

@@ -75,6 +75,7 @@ private:
 
     PatternPtr Make(const Use& use);
     bool MakeShading(const Use& use, Pattern& pattern);
+    std::shared_ptr<PatternCell> MakeCell(const Use& use, const Pattern& pattern);
     bool MakeTiling(const Use& use, Pattern& pattern);
     bool Refuse(const char* reason);
 

@@ -51,10 +51,8 @@ public:
 
     /// Begins a cell in which the operators draw into the unit square.
     Cell& Draw(const std::string& name, const std::string& operators) {
-        const std::size_t x = kPitchX * (mCells.size() % kColumns);
-        const std::size_t y = kPageHeight - kPitchY * (mCells.size() / kColumns + 1);
-        mContent += "q " + std::to_string(kWidth) + " 0 0 " + std::to_string(kHeight) + " " +
-                    std::to_string(x) + " " + std::to_string(y) + " cm\n" + operators + "\nQ\n";
+        mContent += "q " + std::to_string(kWidth) + " 0 0 " + std::to_string(kHeight) +
+                    NextCorner() + " cm\n" + operators + "\nQ\n";
         mCells.push_back({name});
         return mCells.back();
     }
@@ -83,12 +81,21 @@ public:
     Cell& Pattern(const std::string& name, const std::string& shading,
                   const std::string& operators) {
         const std::string key = "P" + std::to_string(mCells.size());
-        const std::size_t x = kPitchX * (mCells.size() % kColumns);
-        const std::size_t y = kPageHeight - kPitchY * (mCells.size() / kColumns + 1);
         mPatterns += "/" + key + " << /PatternType 2 /Matrix [" + std::to_string(kWidth) + " 0 0 " +
-                     std::to_string(kHeight) + " " + std::to_string(x) + " " + std::to_string(y) +
-                     "] /Shading " + shading + " >> ";
+                     std::to_string(kHeight) + NextCorner() + "] /Shading " + shading + " >> ";
         return Draw(name, "/Pattern cs /" + key + " scn /Pattern CS /" + key + " SCN " + operators);
+    }
+
+    /// The name of a tiling pattern for the next cell, in whose corner it starts. `linear` leads
+    /// from its space to points.
+    std::string Tiling(const std::string& entries, const std::string& content,
+                       const std::string& linear = "1 0 0 1") {
+        std::string name = "/T" + std::to_string(mObjects.size());
+        mPatterns += name + " " +
+                     Add(StreamOf(content, "/PatternType 1 /Matrix [" + linear + NextCorner() +
+                                               "] " + entries)) +
+                     " ";
+        return name;
     }
 
     Cell& Inline(const std::string& name, const std::string& entries, const std::string& data) {
@@ -124,6 +131,13 @@ public:
     }
 
 private:
+    /// Where the next cell begins, in points, as the last two numbers of a matrix.
+    [[nodiscard]] std::string NextCorner() const {
+        const std::size_t x = kPitchX * (mCells.size() % kColumns);
+        const std::size_t y = kPageHeight - kPitchY * (mCells.size() / kColumns + 1);
+        return " " + std::to_string(x) + " " + std::to_string(y);
+    }
+
     static constexpr std::size_t kFirstObject = 5;
     static constexpr std::size_t kColumns = 6;
     static constexpr std::size_t kPitchX = 60;

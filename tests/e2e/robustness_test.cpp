@@ -42,6 +42,31 @@ std::string FormChain(std::size_t count, bool loops) {
     return PageOf(std::string("/F Do") + kMark, "/XObject << /F 5 0 R >>", forms);
 }
 
+/// Content that fills with the pattern P.
+constexpr const char* kPatternFill = "/Pattern cs /P scn 0 0 30 30 re f ";
+
+/// Patterns 5, 6, … each of which paints with the next one, and twice when `doubled`.
+std::string PatternChain(std::size_t count, bool doubled) {
+    std::vector<std::string> patterns;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string next = std::to_string(6 + i) + " 0 R ";
+        patterns.push_back(StreamOf(
+            std::string(kPatternFill) + (doubled ? "/Q scn 4 4 2 2 re f" : ""),
+            "/PatternType 1 /PaintType 1 /TilingType 1 /BBox [0 0 8 8] /XStep 8 /YStep 8 "
+            "/Resources << /Pattern << /P " +
+                next + "/Q " + (i + 1 < count ? std::to_string(7 + i) + " 0 R" : next) + " >> >>"));
+    }
+    return PageOf(std::string(kPatternFill) + kMark, "/Pattern << /P 5 0 R >>", patterns);
+}
+
+/// A page that fills with a pattern of the entries.
+std::string PatternPage(const std::string& entries, const std::string& content = "0 0 4 4 re f",
+                        const std::vector<std::string>& more = {}) {
+    std::vector<std::string> objects{StreamOf(content, "/PatternType 1 " + entries)};
+    objects.insert(objects.end(), more.begin(), more.end());
+    return PageOf(std::string(kPatternFill) + kMark, "/Pattern << /P 5 0 R >>", objects);
+}
+
 std::string SpacePage(const std::string& space, const std::vector<std::string>& more) {
     return PageOf(std::string("/S cs 0.5 scn 0 0 9 9 re f") + kMark,
                   "/ColorSpace << /S " + space + " >>", more);
@@ -50,6 +75,8 @@ std::string SpacePage(const std::string& space, const std::vector<std::string>& 
 std::vector<HostilePage> HostilePages() {
     const std::string mark = kMark;
     const std::string form = "/Type /XObject /Subtype /Form /BBox [0 0 9 9]";
+    const std::string cell = "/BBox [0 0 8 8]";
+    const std::string steps = " /XStep 8 /YStep 8";
     return {
         {"SavesNestedDeeply", PageOf(Repeated("q ", 20000) + mark)},
         {"RestoresWithoutSaves", PageOf(Repeated("Q ", 20000) + mark)},
@@ -72,6 +99,25 @@ std::vector<HostilePage> HostilePages() {
         {"ResourcesMissing", PageOf("/A gs /B cs 1 scn /C Do /D sh 0 0 9 9 re f" + mark)},
         {"FormThatDrawsItself", FormChain(1, true)},
         {"FormsThatDrawEachOther", FormChain(3, true)},
+        {"PatternOfItself",
+         PatternPage(cell + steps + " /Resources << /Pattern << /P 5 0 R >> >>", kPatternFill)},
+        {"PatternOfAFormOfItself",
+         PatternPage(cell + steps + " /Resources << /XObject << /F 6 0 R >> >>", "/F Do",
+                     {StreamOf(kPatternFill, form + " /Resources << /Pattern << /P 5 0 R >> >>")})},
+        {"PatternsNestedDeeply", PatternChain(100, false)},
+        {"PatternsMultiplied", PatternChain(40, true)},
+        {"PatternWithoutABox", PatternPage(steps)},
+        {"PatternWithoutArea", PatternPage("/BBox [0 8 8 8]" + steps)},
+        {"PatternWithoutSteps", PatternPage(cell)},
+        {"PatternOfNoSteps", PatternPage(cell + " /XStep 0 /YStep 0")},
+        {"PatternOfTinySteps", PatternPage(cell + " /XStep 0.0000001 /YStep 8")},
+        {"PatternOfAFlatMatrix", PatternPage(cell + steps + " /Matrix [1 1 1 1 0 0]")},
+        {"PatternOfATinyMatrix",
+         PatternPage(cell + steps + " /Matrix [0.0000001 0 0 0.0000001 0 0]")},
+        {"PatternWithoutColor", PatternPage(cell + steps + " /PaintType 2")},
+        {"PatternOfOpenStates", PatternPage(cell + steps, "q q 1 0 0 rg 0 0 4 4 re f (")},
+        {"PatternThatIsNoStream",
+         PageOf(kPatternFill + mark, "/Pattern << /P << /PatternType 1 >> >>")},
         {"FormsNestedDeeply", FormChain(200, false)},
         {"FormsMultiplied", PageOf(Repeated("/F Do ", 60) + mark, "/XObject << /F 5 0 R >>",
                                    {StreamOf(Repeated("/G Do ", 60),
