@@ -6,7 +6,7 @@
 
 The card is a picture in two spot inks and black with a varnish that overprints; around it stand what a
 pressman needs: crop marks and registration marks on every plate, a colour bar, tint ramps,
-gradients, three small pictures (process colours, grains of one ink, steps of another), and the
+gradients, three small pictures (process colours, grains of one ink, steps of another), patterns, and the
 names of the plates, each printed by its own plate.
 """
 import math
@@ -32,7 +32,10 @@ RESOURCES = """<<
     /Varnish [/Separation /Varnish /DeviceCMYK 12 0 R]
     /Duo [/DeviceN [/Deep#20Sea /Sunrise#20Orange] /DeviceCMYK 13 0 R]
     /All [/Separation /All /DeviceCMYK 14 0 R]
+    /SeaPattern [/Pattern [/Separation /Deep#20Sea /DeviceCMYK 10 0 R]]
+    /OrangePattern [/Pattern [/Separation /Sunrise#20Orange /DeviceCMYK 11 0 R]]
   >>
+  /Pattern << /Waves 19 0 R /Tiles 20 0 R >>
   /ExtGState <<
     /Overprint << /Type /ExtGState /OP true /op true /OPM 1 >>
     /Knockout << /Type /ExtGState /OP false /op false /OPM 0 >>
@@ -280,6 +283,29 @@ def pictures() -> "list[str]":
     return lines
 
 
+def patterns() -> "list[str]":
+    """Below the ramps: one wave in either ink, and tiles in both."""
+    return ["% ---- patterns",
+            f"/SeaPattern cs 1 /Waves scn {rect(45, 100, 15, 24)} f",
+            f"/OrangePattern cs 1 /Waves scn {rect(60, 100, 15, 24)} f",
+            f"/Pattern cs /Tiles scn {rect(45, 76, 30, 24)} f"]
+
+
+def tiling(paint_type: int, side: float, angle: float, data: str, resources: str = "") -> str:
+    c, s = math.cos(math.radians(angle)), math.sin(math.radians(angle))
+    return stream(data, f"/PatternType 1 /PaintType {paint_type} /TilingType 1 /BBox [0 0 {at(side, side)}] "
+                        f"/XStep {num(side)} /YStep {num(side)}\n   /Matrix [{at(c, s, -s, c, 45, 76)}] "
+                        f"/Resources << {resources} >> ")
+
+
+def wave() -> str:
+    return "0.8 w -1 1.5 m 0 1.5 l 1.5 4 2.5 4 4 1.5 c 5.5 -1 6.5 -1 8 1.5 c 9 1.5 l S 0 5.5 m 8 5.5 l S"
+
+
+def tiles() -> str:
+    return "\n".join(["/Sea cs 1 scn", rect(0, 0, 3, 3) + " f", "/Orange cs 1 scn", circle(4.5, 4.5, 1.4) + " f"])
+
+
 def light(x: float, y: float) -> "tuple[bool, float]":
     """Whether the ball is seen at (x, y) of the unit square, y downwards; how bright the place is."""
     u, v = (x - 0.5) / 0.36, (y - 0.46) / 0.36
@@ -356,7 +382,7 @@ def register_mark() -> str:
 
 
 def page() -> str:
-    return "\n".join(card() + marks() + colour_bar() + ramps() + pictures() + slug())
+    return "\n".join(card() + marks() + colour_bar() + ramps() + pictures() + patterns() + slug())
 
 
 def objects() -> "dict[int, str]":
@@ -384,6 +410,9 @@ def objects() -> "dict[int, str]":
         17: image(128, grains(), "/ImageMask true /BitsPerComponent 1"),
         18: image(64, steps(), "/ColorSpace [/Indexed [/Separation /Sunrise#20Orange /DeviceCMYK 11 0 R] 7\n"
                                "   <002449 6D92B6 DBFF>] /BitsPerComponent 4"),
+        19: tiling(2, 8, 20, wave()),
+        20: tiling(1, 6, 45, tiles(), "/ColorSpace << /Sea [/Separation /Deep#20Sea /DeviceCMYK 10 0 R]\n"
+                                      "   /Orange [/Separation /Sunrise#20Orange /DeviceCMYK 11 0 R] >>"),
     }
 
 
