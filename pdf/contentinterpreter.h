@@ -266,8 +266,15 @@ private:
     // contentinterpreter_shading.cpp
     void FillShading(Numbers);
     void DrawShadingRaster(const Shading& shading);
-    /// Draws the shading of a pattern within the path.
+    /// Makes `values`, in host form, the current colour in a shading's space.
+    void SelectColorOf(const Shading& shading, std::span<const float> values, bool fill);
+    /// Makes one colour of a shading the current one, for what cannot be painted with it; false
+    /// when it has none.
+    bool SelectMiddleColor(const Shading& shading, bool fill);
+    /// Draws the background and the shading of a pattern within the path.
     void FillPathWithShading(const Pattern& pattern, bool evenOdd);
+    /// Strokes the path in the middle colour of a pattern.
+    void StrokePathWithShading(const Pattern& pattern);
 
     // contentinterpreter_pattern.cpp
     void SelectPattern(bool fill);

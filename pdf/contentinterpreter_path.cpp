@@ -55,7 +55,10 @@ void ContentInterpreter::Paint(unsigned flags) {
         if (fill) {
             FillPath((flags & kEvenOdd) != 0);
         }
-        if (stroke) {
+        if (stroke && mContext.languageLevel < 3 && Top().strokePattern &&
+            Top().strokePattern->shading) {
+            StrokePathWithShading(*Top().strokePattern);
+        } else if (stroke) {
             space.Stroke();
         }
         if (clip != PendingClip::kNone) {
@@ -85,16 +88,7 @@ bool ContentInterpreter::MayPaint(bool fill) {
     }
     const ColorSpaceEntry* space = fill ? Top().fillSpace : Top().strokeSpace;
     const auto& pattern = fill ? Top().fillPattern : Top().strokePattern;
-    if (space->kind == ColorSpaceEntry::Kind::kPattern && !pattern) {
-        return false;
-    }
-    if (pattern && pattern->shading && !fill && mContext.languageLevel < 3) {
-        mContext.reporter.Warn("pattern",
-                               "What is stroked with a shading is left out: language "
-                               "level 2 has none");
-        return false;
-    }
-    return true;
+    return space->kind != ColorSpaceEntry::Kind::kPattern || pattern;
 }
 
 }  // namespace VANTIX::PDF

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
 #include <cmath>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -44,12 +46,8 @@ void ContentInterpreter::DrawShadingRaster(const Shading& shading) {
     std::vector<ShadingPicture> pictures =
         PicturesOf(*shading.shading, ClipBounds(), scale * kDotsPerUnit,
                    mContext.colorSpaces.Named("DeviceRGB", {})->space);
-    if (pictures.empty()) {
-        mContext.reporter.Warn("shading", "A shading is left out: language level 2 has none");
-        return;
-    }
     const ScopedLevel level(*this);
-    if (!level.IsSaved()) {
+    if (pictures.empty() || !level.IsSaved()) {
         return;
     }
     mContext.colorSpaces.UseForImage(*shading.space);
@@ -69,17 +67,48 @@ void ContentInterpreter::DrawShadingRaster(const Shading& shading) {
     }
 }
 
+void ContentInterpreter::SelectColorOf(const Shading& shading, std::span<const float> values,
+                                       bool fill) {
+    HOST::CurrentColor& color = ColorOf(fill);
+    mContext.colorSpaces.Select(*shading.space, color);
+    const auto count = std::min(values.size(), static_cast<std::size_t>(color.count));
+    std::copy_n(values.begin(), count, color.values.begin());
+}
+
+bool ContentInterpreter::SelectMiddleColor(const Shading& shading, bool fill) {
+    const auto values = MiddleColor(*shading.shading);
+    if (values) {
+        SelectColorOf(shading, *values, fill);
+    }
+    return values.has_value();
+}
+
 void ContentInterpreter::FillPathWithShading(const Pattern& pattern, bool evenOdd) {
     const auto inverse = Inverse(Top().matrix);
     const ScopedLevel level(*this);
     if (!level.IsSaved() || !inverse) {
         return;
     }
-    evenOdd ? mContext.space.EOClip() : mContext.space.Clip();
-    mContext.space.NewPath();
+    HOST::BaseConnectionSpace& space = mContext.space;
+    if (!pattern.shading->background.empty()) {
+        SelectColorOf(*pattern.shading, pattern.shading->background, true);
+        evenOdd ? space.EOFill() : space.Fill();
+    }
+    evenOdd ? space.EOClip() : space.Clip();
+    space.NewPath();
     const std::array<double, 6> place = Multiply(Multiply(pattern.matrix, mPageMatrix), *inverse);
     if (Concat(place)) {
         DrawShadingRaster(*pattern.shading);
+    }
+}
+
+void ContentInterpreter::StrokePathWithShading(const Pattern& pattern) {
+    mContext.reporter.Warn("pattern-stroke",
+                           "What is stroked with a shading is painted in its middle colour: "
+                           "language level 2 has no shadings");
+    const ScopedLevel level(*this);
+    if (level.IsSaved() && SelectMiddleColor(*pattern.shading, false)) {
+        mContext.space.Stroke();
     }
 }
 

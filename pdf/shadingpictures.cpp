@@ -4,194 +4,87 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <memory>
+#include <span>
 #include <utility>
 
-#include "host/color/outputvalues.h"
+#include "pdf/meshes.h"
+#include "pdf/meshpictures.h"
 #include "pdf/objects.h"
 
 namespace VANTIX::PDF {
 
 namespace {
 
-constexpr double kMostPixels = 4e6;
-constexpr std::int32_t kRampSteps = 256;
-
-struct Point {
-    double x = 0.0;
-    double y = 0.0;
-};
-
-Point operator-(const Point& a, const Point& b) {
-    return {a.x - b.x, a.y - b.y};
-}
-
-double Dot(const Point& a, const Point& b) {
-    return a.x * b.x + a.y * b.y;
-}
+using Samples = ShadingColors::Samples;
+using Point = ShadingPoint;
 
 Point Apply(const std::array<double, 6>& m, const Point& p) {
     return {m[0] * p.x + m[2] * p.y + m[4], m[1] * p.x + m[3] * p.y + m[5]};
 }
 
-/// The colours of a shading as samples of 8 bits in host form.
-class Colors {
-public:
-    using Samples = std::array<std::uint8_t, COLOR::kMaxComponents>;
-
-    Colors(const COLOR::IShadingColorSpace& shading, const HOST::ColorSpacePtr& rgb)
-        : mFunction(shading.GetFunction()), mSpace(shading.GetShadingSpace()), mTarget(mSpace) {
-        if (mSpace && HOST::FamilyOf(*mSpace) == "clab"_cc) {
-            mTarget = rgb;
-        }
-    }
-
-    /// False for a shading without a space, or without a function that fits it.
-    [[nodiscard]] bool IsUsable(std::int32_t inputs) const {
-        return mTarget && mFunction != nullptr && mFunction->GetInputCount() == inputs &&
-               mFunction->GetOutputCount() == mSpace->GetComponentCount() &&
-               mFunction->GetOutputCount() <= COLOR::kMaxComponents;
-    }
-
-    [[nodiscard]] const HOST::ColorSpacePtr& Space() const { return mTarget; }
-
-    [[nodiscard]] Samples At(const float* inputs) const {
-        std::array<float, COLOR::kMaxComponents> values{};
-        mFunction->Evaluate(inputs, values.data());
-        HOST::ToHostForm(*mFunction, *mSpace, values.data());
-        float pcs[3] = {};
-        constexpr auto kIntent = COLOR::TRenderingIntent::kRelativeColorimetric;
-        if (mTarget.Get() != mSpace.Get() && mSpace->ToPCS(values.data(), pcs, kIntent)) {
-            mTarget->FromPCS(pcs, values.data(), kIntent);
-        }
-        Samples samples{};
-        std::transform(values.begin(), values.begin() + mTarget->GetComponentCount(),
-                       samples.begin(), [](float value) {
-                           const float part = value >= 0.0F ? std::min(value, 1.0F) : 0.0F;
-                           return static_cast<std::uint8_t>(std::lround(part * 255.0F));
-                       });
-        return samples;
-    }
-
-private:
-    const COLOR::IColorFunction* mFunction;
-    HOST::ColorSpacePtr mSpace;
-    HOST::ColorSpacePtr mTarget;
-};
-
-/// The colours along a domain, at the middles of even steps.
-using Ramp = std::vector<Colors::Samples>;
-
-Ramp MakeRamp(const Colors& colors, const float domain[2]) {
-    Ramp ramp;
-    for (std::int32_t i = 0; i < kRampSteps; ++i) {
-        const float part = (static_cast<float>(i) + 0.5F) / kRampSteps;
-        const float t = domain[0] + (domain[1] - domain[0]) * part;
-        ramp.push_back(colors.At(&t));
-    }
-    return ramp;
-}
-
-void StorePixel(const Colors::Samples& samples, std::size_t planeCount, std::size_t x,
-                std::uint8_t* const* planes) {
-    for (std::size_t i = 0; i < planeCount; ++i) {
-        planes[i][x] = samples[i];
-    }
-}
-
 /// A picture of one line.
 class RampPlanes : public HOST::PlaneSource {
 public:
-    RampPlanes(Ramp ramp, std::size_t planes) : mRamp(std::move(ramp)), mPlanes(planes) {}
+    RampPlanes(ColorRamp ramp, std::size_t planes) : mRamp(std::move(ramp)), mPlanes(planes) {}
 
     void ReadLine(std::int32_t /*y*/, std::uint8_t* const* planes) override {
-        for (std::size_t x = 0; x < mRamp.size(); ++x) {
-            StorePixel(mRamp[x], mPlanes, x, planes);
+        for (std::size_t x = 0; x < mRamp.All().size(); ++x) {
+            StorePixel(mRamp.All()[x].data(), mPlanes, x, planes);
         }
     }
 
 private:
-    Ramp mRamp;
+    ColorRamp mRamp;
     std::size_t mPlanes;
 };
 
 /// What a shading paints at a point: false for nothing. Samples may be left out (null).
-using Shader = std::function<bool(const Point& point, Colors::Samples* samples)>;
-
-/// Pixels of an area.
-struct Grid {
-    std::array<double, 4> area;
-    std::int32_t width;
-    std::int32_t height;
-
-    [[nodiscard]] Point Middle(std::size_t x, std::int32_t y) const {
-        return {area[0] + (area[2] - area[0]) * (static_cast<double>(x) + 0.5) / width,
-                area[3] - (area[3] - area[1]) * (y + 0.5) / height};
-    }
-};
+using Shader = std::function<bool(const Point& point, Samples* samples)>;
 
 /// The colours of a shading, or with no planes of colours its opacity.
 class ShadedPlanes : public HOST::PlaneSource {
 public:
-    ShadedPlanes(Shader shader, const Grid& grid, std::size_t planes)
+    ShadedPlanes(Shader shader, const PixelGrid& grid, std::size_t planes)
         : mShader(std::move(shader)), mGrid(grid), mPlanes(planes) {}
 
     void ReadLine(std::int32_t y, std::uint8_t* const* planes) override {
         for (std::size_t x = 0; x < static_cast<std::size_t>(mGrid.width); ++x) {
-            Colors::Samples samples{};
+            Samples samples{};
             const bool isPainted = mShader(mGrid.Middle(x, y), mPlanes == 0 ? nullptr : &samples);
             if (mPlanes == 0) {
                 planes[0][x] = isPainted ? 0xFF : 0;
             } else {
-                StorePixel(samples, mPlanes, x, planes);
+                StorePixel(samples.data(), mPlanes, x, planes);
             }
         }
     }
 
 private:
     Shader mShader;
-    Grid mGrid;
+    PixelGrid mGrid;
     std::size_t mPlanes;
 };
 
-PlanarImage ImageOf(const HOST::ColorSpacePtr& space, std::int32_t width, std::int32_t height,
-                    PlaneSourcePtr source) {
-    PlanarImage image;
-    image.format = {space, width, height, 8};
-    image.isDeviceN = FindInterface<IObject>(space.Get(), COLOR::IID_IDEVICENCOLORSPACE) != nullptr;
-    image.source = std::move(source);
-    return image;
-}
-
-bool IsArea(const std::array<double, 4>& area) {
-    return area[2] > area[0] && area[3] > area[1] && std::isfinite(area[2] - area[0]) &&
-           std::isfinite(area[3] - area[1]);
-}
-
-std::vector<ShadingPicture> ShadedPicture(const Colors& colors, const std::array<double, 4>& area,
+std::vector<ShadingPicture> ShadedPicture(const ShadingColors& colors, const ShadingArea& area,
                                           double resolution, const Shader& shader) {
     std::vector<ShadingPicture> pictures;
     if (!IsArea(area)) {
         return pictures;
     }
-    const double width = area[2] - area[0];
-    const double height = area[3] - area[1];
-    const double fitting = std::min(resolution, std::sqrt(kMostPixels / (width * height)));
-    const auto pixels = [fitting](double length) {
-        return static_cast<std::int32_t>(std::clamp(std::ceil(length * fitting), 1.0, 8192.0));
-    };
-    const Grid grid{area, pixels(width), pixels(height)};
+    const PixelGrid grid(area, resolution);
     const auto planes = static_cast<std::size_t>(colors.Space()->GetComponentCount());
     ShadingPicture& picture = pictures.emplace_back();
     picture.image = ImageOf(colors.Space(), grid.width, grid.height,
                             std::make_unique<ShadedPlanes>(shader, grid, planes));
     picture.mask =
         ImageMask{std::make_unique<ShadedPlanes>(shader, grid, 0), grid.width, grid.height, {}};
-    picture.place = {width, 0.0, 0.0, height, area[0], area[1]};
+    picture.place = grid.Place();
     return pictures;
 }
 
 std::vector<ShadingPicture> FunctionPicture(const COLOR::IFunctionShadingColorSpace& shading,
-                                            const Colors& colors, const std::array<double, 4>& area,
+                                            const ShadingColors& colors, const ShadingArea& area,
                                             double resolution) {
     std::array<float, 4> domain{};
     std::array<float, 6> matrix{};
@@ -202,7 +95,7 @@ std::vector<ShadingPicture> FunctionPicture(const COLOR::IFunctionShadingColorSp
     if (!inverse || !colors.IsUsable(2)) {
         return {};
     }
-    const Shader shader = [colors, domain, inverse](const Point& point, Colors::Samples* samples) {
+    const Shader shader = [colors, domain, inverse](const Point& point, Samples* samples) {
         const Point p = Apply(*inverse, point);
         const float inputs[2] = {static_cast<float>(p.x), static_cast<float>(p.y)};
         const bool isInside = inputs[0] >= domain[0] && inputs[0] <= domain[1] &&
@@ -216,11 +109,11 @@ std::vector<ShadingPicture> FunctionPicture(const COLOR::IFunctionShadingColorSp
 }
 
 /// From the first to the last part of the axis, in which 0 and 1 are its ends, across the area.
-ShadingPicture Strip(const Colors& colors, Ramp ramp, const Point& start, const Point& axis,
-                     const std::pair<double, double>& along,
+ShadingPicture Strip(const ShadingColors& colors, ColorRamp ramp, const Point& start,
+                     const Point& axis, const std::pair<double, double>& along,
                      const std::pair<double, double>& across) {
     ShadingPicture picture;
-    const auto width = static_cast<std::int32_t>(ramp.size());
+    const auto width = static_cast<std::int32_t>(ramp.All().size());
     const auto planes = static_cast<std::size_t>(colors.Space()->GetComponentCount());
     picture.image =
         ImageOf(colors.Space(), width, 1, std::make_unique<RampPlanes>(std::move(ramp), planes));
@@ -237,7 +130,7 @@ ShadingPicture Strip(const Colors& colors, Ramp ramp, const Point& start, const 
 }
 
 std::vector<ShadingPicture> AxialPictures(const COLOR::IAxialShadingPatternColorSpace& shading,
-                                          const Colors& colors, const std::array<double, 4>& area) {
+                                          const ShadingColors& colors, const ShadingArea& area) {
     float domain[2] = {0, 1};
     float c[4] = {};
     bool extendsStart = false;
@@ -262,17 +155,17 @@ std::vector<ShadingPicture> AxialPictures(const COLOR::IAxialShadingPatternColor
         across = {std::min(across.first, side), std::max(across.second, side)};
     }
     std::vector<ShadingPicture> pictures;
-    const auto add = [&](Ramp ramp, double from, double to) {
+    const auto add = [&](ColorRamp ramp, double from, double to) {
         if (to > from) {
             pictures.push_back(Strip(colors, std::move(ramp), start, axis, {from, to}, across));
         }
     };
     if (extendsStart) {
-        add({colors.At(&domain[0])}, along.first, 0.0);
+        add(ColorRamp(colors.At(&domain[0])), along.first, 0.0);
     }
-    add(MakeRamp(colors, domain), 0.0, 1.0);
+    add(ColorRamp(colors, domain), 0.0, 1.0);
     if (extendsEnd) {
-        add({colors.At(&domain[1])}, 1.0, along.second);
+        add(ColorRamp(colors.At(&domain[1])), 1.0, along.second);
     }
     return pictures;
 }
@@ -315,7 +208,7 @@ private:
 };
 
 std::vector<ShadingPicture> RadialPicture(const COLOR::IRadialShadingPatternColorSpace& shading,
-                                          const Colors& colors, const std::array<double, 4>& area,
+                                          const ShadingColors& colors, const ShadingArea& area,
                                           double resolution) {
     float domain[2] = {0, 1};
     float c[6] = {};
@@ -332,17 +225,15 @@ std::vector<ShadingPicture> RadialPicture(const COLOR::IRadialShadingPatternColo
     circles.growth = static_cast<double>(c[5]) - c[2];
     std::array<double, 4> painted = area;
     if (!circles.extendsStart && !circles.extendsEnd) {
-        painted = {std::max<double>(area[0], std::min(c[0] - c[2], c[3] - c[5])),
-                   std::max<double>(area[1], std::min(c[1] - c[2], c[4] - c[5])),
-                   std::min<double>(area[2], std::max(c[0] + c[2], c[3] + c[5])),
-                   std::min<double>(area[3], std::max(c[1] + c[2], c[4] + c[5]))};
+        painted = Intersection(
+            area, {std::min(c[0] - c[2], c[3] - c[5]), std::min(c[1] - c[2], c[4] - c[5]),
+                   std::max(c[0] + c[2], c[3] + c[5]), std::max(c[1] + c[2], c[4] + c[5])});
     }
-    const Shader shader = [circles, ramp = MakeRamp(colors, domain)](const Point& point,
-                                                                     Colors::Samples* samples) {
+    const Shader shader = [circles, ramp = ColorRamp(colors, domain)](const Point& point,
+                                                                      Samples* samples) {
         const auto part = circles.At(point);
         if (part && samples != nullptr) {
-            const double step = std::clamp(*part * kRampSteps, 0.0, kRampSteps - 1.0);
-            *samples = ramp[static_cast<std::size_t>(step)];
+            *samples = ramp.At(*part);
         }
         return part.has_value();
     };
@@ -352,21 +243,65 @@ std::vector<ShadingPicture> RadialPicture(const COLOR::IRadialShadingPatternColo
 }  // namespace
 
 std::vector<ShadingPicture> PicturesOf(COLOR::IConnectionColorSpace& shading,
-                                       const std::array<double, 4>& area, double resolution,
+                                       const ShadingArea& area, double resolution,
                                        const HOST::ColorSpacePtr& rgb) {
     if (const auto* function = FindInterface<COLOR::IFunctionShadingColorSpace>(
             &shading, COLOR::IID_IFUNCTIONSHADING)) {
-        return FunctionPicture(*function, Colors(*function, rgb), area, resolution);
+        return FunctionPicture(*function, ShadingColors(*function, rgb), area, resolution);
     }
     if (const auto* axial = FindInterface<COLOR::IAxialShadingPatternColorSpace>(
             &shading, COLOR::IID_IAXIALSHADING)) {
-        return AxialPictures(*axial, Colors(*axial, rgb), area);
+        return AxialPictures(*axial, ShadingColors(*axial, rgb), area);
     }
     if (const auto* radial = FindInterface<COLOR::IRadialShadingPatternColorSpace>(
             &shading, COLOR::IID_IRADIALSHADING)) {
-        return RadialPicture(*radial, Colors(*radial, rgb), area, resolution);
+        return RadialPicture(*radial, ShadingColors(*radial, rgb), area, resolution);
+    }
+    if (const auto mesh = Mesh::Of(shading)) {
+        return MeshPictures(*mesh, ShadingColors(mesh->Shading(), rgb), area, resolution);
     }
     return {};
+}
+
+namespace {
+
+std::optional<ShadingColors::Values> MiddleOfFunction(const COLOR::IShadingColorSpace& shading,
+                                                      std::span<const float> middle) {
+    const ShadingColors colors(shading, HOST::ColorSpacePtr(shading.GetShadingSpace()));
+    if (!colors.IsUsable(static_cast<std::int32_t>(middle.size()))) {
+        return std::nullopt;
+    }
+    return colors.Evaluate(middle.data());
+}
+
+template <class Gradient>
+std::optional<ShadingColors::Values> MiddleOfGradient(const Gradient& shading) {
+    float domain[2] = {0, 1};
+    shading.GetDomain(domain);
+    const float middle[1] = {(domain[0] + domain[1]) / 2};
+    return MiddleOfFunction(shading, middle);
+}
+
+}  // namespace
+
+std::optional<ShadingColors::Values> MiddleColor(COLOR::IConnectionColorSpace& shading) {
+    if (const auto* function = FindInterface<COLOR::IFunctionShadingColorSpace>(
+            &shading, COLOR::IID_IFUNCTIONSHADING)) {
+        float domain[4] = {0, 1, 0, 1};
+        function->GetDomain(domain);
+        const float middle[2] = {(domain[0] + domain[1]) / 2, (domain[2] + domain[3]) / 2};
+        return MiddleOfFunction(*function, middle);
+    }
+    if (const auto* axial = FindInterface<COLOR::IAxialShadingPatternColorSpace>(
+            &shading, COLOR::IID_IAXIALSHADING)) {
+        return MiddleOfGradient(*axial);
+    }
+    if (const auto* radial = FindInterface<COLOR::IRadialShadingPatternColorSpace>(
+            &shading, COLOR::IID_IRADIALSHADING)) {
+        return MiddleOfGradient(*radial);
+    }
+    const auto mesh = Mesh::Of(shading);
+    return mesh ? MiddleColor(*mesh) : std::nullopt;
 }
 
 }  // namespace VANTIX::PDF

@@ -9,6 +9,7 @@
 #include "host/color/colorspacefactory.h"
 #include "pdf/imagemasks.h"
 #include "pdf/images.h"
+#include "pdf/shadingpixels.h"
 
 namespace VANTIX::PDF {
 
@@ -19,12 +20,16 @@ struct ShadingPicture {
     std::array<double, 6> place{};  ///< from the unit square to the shading's own space
 };
 
-/// What a shading of type 1, 2 or 3 paints in `area` (x0 y0 x1 y1, of its own space), in its own
-/// colours, or in `rgb` where these are Lab. An axial shading is one line of pixels, laid across
-/// the area, with its ends as single ones; the others have `resolution` pixels a unit, but at most
-/// four million. Nothing for shadings of other types or without a function.
+/// What a shading paints in `area`, in its own colours, or in `rgb` where these are Lab. An axial
+/// shading is one line of pixels, laid across the area, with its ends as single ones; the others
+/// have `resolution` pixels a unit, but at most four million. Nothing for a shading that has no
+/// use, or that does not reach the area.
 std::vector<ShadingPicture> PicturesOf(COLOR::IConnectionColorSpace& shading,
-                                       const std::array<double, 4>& area, double resolution,
+                                       const ShadingArea& area, double resolution,
                                        const HOST::ColorSpacePtr& rgb);
+
+/// One colour for what cannot be painted with a shading, in host form of the shading's space: that
+/// in the middle of its domain, or the mean of a mesh. Nothing for a shading that has no use.
+std::optional<ShadingColors::Values> MiddleColor(COLOR::IConnectionColorSpace& shading);
 
 }  // namespace VANTIX::PDF

@@ -100,7 +100,9 @@ Shadings::ShadingPtr Shadings::Read(const QPDFObjectHandle& object, const std::s
     request.object = object;
     request.label = label;
     HOST::ColorSpacePtr space;
+    std::vector<float> background;
     if (ReadCommon(request, resources)) {
+        background = request.shading.background;
         space = MakeSpace(request);
     }
     if (!space) {
@@ -113,6 +115,7 @@ Shadings::ShadingPtr Shadings::Read(const QPDFObjectHandle& object, const std::s
     shading->id = mNextId++;
     shading->space = request.space;
     shading->box = RectangleOf(request.Entry("/BBox"));
+    shading->background = std::move(background);
     return shading;
 }
 

@@ -25,6 +25,7 @@ struct Shading {
     ResourceId id = 0;
     const ColorSpaceEntry* space = nullptr;  ///< of its colours, as the document has it
     std::optional<std::array<double, 4>> box;
+    std::vector<float> background;  ///< in host form, or empty; `sh` leaves it out
 };
 
 /// Makes the host's shadings of PDF shadings (PDF Reference, 4.6.3), numbers them, and keeps them

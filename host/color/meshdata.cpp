@@ -12,6 +12,9 @@ namespace {
 
 constexpr std::int32_t kLatticeType = 5;
 constexpr std::int32_t kCoonsType = 6;
+// Of a patch.
+constexpr std::size_t kMostPoints = 16;
+constexpr std::size_t kMostColors = 4;
 
 template <std::size_t N>
 bool IsOneOf(std::int32_t value, const std::array<std::int32_t, N>& allowed) {
@@ -203,34 +206,47 @@ std::size_t RecodedMeshBytes(const MeshLayout& layout, std::span<const std::uint
     return bytes;
 }
 
+void VisitMesh(const MeshLayout& layout, std::span<const std::uint8_t> data,
+               const MeshVisitor& visitor) {
+    std::array<std::uint32_t, 2 * kMostPoints> coordinates{};
+    std::array<std::uint32_t, kMostColors * COLOR::kMaxComponents> colors{};
+    for (MeshWalk walk(layout, data); walk.Next();) {
+        BitReader reader(walk.Bytes());
+        const std::uint32_t flag = HasFlags(layout) ? reader.Take(layout.bitsPerFlag) : 0;
+        const std::int32_t coordinateCount = 2 * walk.Current().points;
+        const std::int32_t colorCount = walk.Current().colors * layout.components;
+        std::generate_n(coordinates.begin(), coordinateCount,
+                        [&] { return reader.Take(layout.bitsPerCoordinate); });
+        std::generate_n(colors.begin(), colorCount,
+                        [&] { return reader.Take(layout.bitsPerComponent); });
+        visitor({flag, std::span(coordinates).first(static_cast<std::size_t>(coordinateCount)),
+                 std::span(colors).first(static_cast<std::size_t>(colorCount))});
+    }
+}
+
 std::vector<std::uint8_t> RecodeMesh(const MeshLayout& layout, std::span<const std::uint8_t> data,
                                      const MeshColors& colors, const MeshColorMap& map) {
     std::vector<std::uint8_t> out;
     out.reserve(RecodedMeshBytes(layout, data, colors));
     BitWriter writer(out);
-    std::array<std::uint32_t, COLOR::kMaxComponents> in{};
+    bool isMapped = true;
     std::array<std::uint32_t, COLOR::kMaxComponents> mapped{};
-    for (MeshWalk walk(layout, data); walk.Next();) {
-        BitReader reader(walk.Bytes());
-        const auto copy = [&](std::int32_t bits) { writer.Put(reader.Take(bits), bits); };
+    VisitMesh(layout, data, [&](const MeshRecord& record) {
         if (HasFlags(layout)) {
-            copy(layout.bitsPerFlag);
+            writer.Put(record.flag, layout.bitsPerFlag);
         }
-        for (std::int32_t i = 0; i < 2 * walk.Current().points; ++i) {
-            copy(layout.bitsPerCoordinate);
+        for (const std::uint32_t coordinate : record.coordinates) {
+            writer.Put(coordinate, layout.bitsPerCoordinate);
         }
-        for (std::int32_t i = 0; i < walk.Current().colors; ++i) {
-            std::generate_n(in.begin(), layout.components,
-                            [&] { return reader.Take(layout.bitsPerComponent); });
-            if (!map(in.data(), mapped.data())) {
-                return {};
-            }
+        const auto components = static_cast<std::size_t>(layout.components);
+        for (std::size_t i = 0; isMapped && i < record.colors.size(); i += components) {
+            isMapped = map(record.colors.data() + i, mapped.data());
             std::for_each_n(mapped.begin(), colors.components,
                             [&](std::uint32_t code) { writer.Put(code, colors.bits); });
         }
         writer.Align();
-    }
-    return out;
+    });
+    return isMapped ? out : std::vector<std::uint8_t>();
 }
 
 }  // namespace VANTIX::HOST

@@ -30,6 +30,21 @@ NORVANE_HOST_API bool IsMeshLayout(const MeshLayout& layout);
 NORVANE_HOST_API std::size_t WholeMeshBytes(const MeshLayout& layout,
                                             std::span<const std::uint8_t> data);
 
+/// One vertex or patch, its numbers as they stand in the data: x and y of each point, and the
+/// components of each colour.
+struct MeshRecord {
+    std::uint32_t flag = 0;  ///< of which the lower two bits count; 0 for type 5
+    std::span<const std::uint32_t> coordinates;
+    std::span<const std::uint32_t> colors;
+};
+
+using MeshVisitor = std::function<void(const MeshRecord& record)>;
+
+/// Hands on the records of whole mesh data in their order. What a record points to lasts as long as
+/// the call.
+NORVANE_HOST_API void VisitMesh(const MeshLayout& layout, std::span<const std::uint8_t> data,
+                                const MeshVisitor& visitor);
+
 /// Takes the components of a colour as they stand in the mesh and fills those of the new mesh.
 /// False ends the work.
 using MeshColorMap = std::function<bool(const std::uint32_t* in, std::uint32_t* out)>;

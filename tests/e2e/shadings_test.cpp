@@ -185,7 +185,7 @@ std::string Patches(const MeshBits& bits, const ShadingSpace& space, const std::
 }
 
 /// All kinds of shadings in a space: first those of a page's own types 1 to 3, then meshes.
-void DrawShadings(Sheet& sheet, const ShadingSpace& space, bool withMeshes) {
+void DrawShadings(Sheet& sheet, const ShadingSpace& space) {
     const std::string text = space.text(sheet);
     const auto draw = [&](const std::string& name, const std::string& shading) {
         sheet.Shading(name, shading);
@@ -246,9 +246,6 @@ void DrawShadings(Sheet& sheet, const ShadingSpace& space, bool withMeshes) {
                  " >>");
     }
     for (const bool hasFunction : {false, true}) {
-        if (!withMeshes) {
-            continue;
-        }
         const std::string how = hasFunction ? " by function" : "";
         const auto mesh = [&](const std::string& name, const std::string& stream) {
             draw(name + how, sheet.Add(stream));
@@ -345,7 +342,7 @@ TEST_P(Shadings, LookAsInThePdf) {
     for (const char* level : {"3", "2"}) {
         SCOPED_TRACE(level);
         Sheet sheet;
-        DrawShadings(sheet, GetParam(), *level == '3');
+        DrawShadings(sheet, GetParam());
         Check(sheet, level);
     }
 }
@@ -379,7 +376,7 @@ TEST_P(Shadings, KeepTheirPlates) {
         return;
     }
     Sheet sheet;
-    DrawShadings(sheet, GetParam(), true);
+    DrawShadings(sheet, GetParam());
     for (const char* model : {"as-is", "devicen"}) {
         SCOPED_TRACE(model);
         ASSERT_NO_FATAL_FAILURE(Convert(sheet, {"--color", model}));

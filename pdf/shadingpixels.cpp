@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+#include "pdf/shadingpixels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "host/color/outputvalues.h"
+
+namespace VANTIX::PDF {
+
+bool IsArea(const ShadingArea& area) {
+    return area[2] > area[0] && area[3] > area[1] && std::isfinite(area[2] - area[0]) &&
+           std::isfinite(area[3] - area[1]);
+}
+
+ShadingArea Intersection(const ShadingArea& a, const ShadingArea& b) {
+    return {std::max(a[0], b[0]), std::max(a[1], b[1]), std::min(a[2], b[2]), std::min(a[3], b[3])};
+}
+
+PixelGrid::PixelGrid(const ShadingArea& pixelArea, double resolution) : area(pixelArea) {
+    const double most = std::sqrt(kMostPixels / ((area[2] - area[0]) * (area[3] - area[1])));
+    const auto pixels = [fitting = std::min(resolution, most)](double length) {
+        return static_cast<std::int32_t>(std::clamp(std::ceil(length * fitting), 1.0, 8192.0));
+    };
+    width = pixels(area[2] - area[0]);
+    height = pixels(area[3] - area[1]);
+}
+
+ShadingPoint PixelGrid::Middle(std::size_t x, std::int32_t y) const {
+    return {area[0] + (area[2] - area[0]) * (static_cast<double>(x) + 0.5) / width,
+            area[3] - (area[3] - area[1]) * (y + 0.5) / height};
+}
+
+ShadingPoint PixelGrid::ToPixels(const ShadingPoint& point) const {
+    return {(point.x - area[0]) / (area[2] - area[0]) * width,
+            (area[3] - point.y) / (area[3] - area[1]) * height};
+}
+
+std::array<double, 6> PixelGrid::Place() const {
+    return {area[2] - area[0], 0.0, 0.0, area[3] - area[1], area[0], area[1]};
+}
+
+ShadingColors::ShadingColors(const COLOR::IShadingColorSpace& shading,
+                             const HOST::ColorSpacePtr& rgb)
+    : mFunction(shading.GetFunction()),
+      mSpace(shading.GetShadingSpace()),
+      mTarget(mSpace),
+      mIsLab(mSpace && HOST::FamilyOf(*mSpace) == "clab"_cc) {
+    if (mIsLab) {
+        mTarget = rgb;
+    }
+}
+
+bool ShadingColors::IsUsable(std::int32_t inputs) const {
+    if (!mTarget || mSpace->GetComponentCount() > COLOR::kMaxComponents) {
+        return false;
+    }
+    return inputs == 0 || (mFunction != nullptr && mFunction->GetInputCount() == inputs &&
+                           mFunction->GetOutputCount() == mSpace->GetComponentCount());
+}
+
+std::size_t ShadingColors::ComponentCount() const {
+    return static_cast<std::size_t>(mSpace->GetComponentCount());
+}
+
+ShadingColors::Values ShadingColors::Evaluate(const float* inputs) const {
+    Values values{};
+    mFunction->Evaluate(inputs, values.data());
+    HOST::ToHostForm(*mFunction, *mSpace, values.data());
+    return values;
+}
+
+ShadingColors::Values ShadingColors::ToHostForm(Values values) const {
+    if (mIsLab) {
+        return values;
+    }
+    const bool isInverted = mSpace->StoresComponentsInverted();
+    std::transform(values.begin(), values.begin() + mSpace->GetComponentCount(), values.begin(),
+                   [isInverted](float value) {
+                       const float part = value >= 0.0F ? std::min(value, 1.0F) : 0.0F;
+                       return isInverted ? 1.0F - part : part;
+                   });
+    return values;
+}
+
+ShadingColors::Samples ShadingColors::ToSamples(Values values) const {
+    float pcs[3] = {};
+    constexpr auto kIntent = COLOR::TRenderingIntent::kRelativeColorimetric;
+    if (mTarget.Get() != mSpace.Get() && mSpace->ToPCS(values.data(), pcs, kIntent)) {
+        mTarget->FromPCS(pcs, values.data(), kIntent);
+    }
+    Samples samples{};
+    std::transform(values.begin(), values.begin() + mTarget->GetComponentCount(), samples.begin(),
+                   [](float value) {
+                       const float part = value >= 0.0F ? std::min(value, 1.0F) : 0.0F;
+                       return static_cast<std::uint8_t>(part * 255.0F + 0.5F);
+                   });
+    return samples;
+}
+
+ColorRamp::ColorRamp(const ShadingColors& colors, const float domain[2]) {
+    for (std::int32_t i = 0; i < kSteps; ++i) {
+        const float part = (static_cast<float>(i) + 0.5F) / kSteps;
+        const float t = domain[0] + (domain[1] - domain[0]) * part;
+        mSamples.push_back(colors.At(&t));
+    }
+}
+
+const ShadingColors::Samples& ColorRamp::At(double part) const {
+    const auto steps = static_cast<double>(mSamples.size());
+    return mSamples[static_cast<std::size_t>(std::clamp(part * steps, 0.0, steps - 1.0))];
+}
+
+PlanarImage ImageOf(const HOST::ColorSpacePtr& space, std::int32_t width, std::int32_t height,
+                    PlaneSourcePtr source) {
+    PlanarImage image;
+    image.format = {space, width, height, 8};
+    image.isDeviceN = FindInterface<IObject>(space.Get(), COLOR::IID_IDEVICENCOLORSPACE) != nullptr;
+    image.source = std::move(source);
+    return image;
+}
+
+}  // namespace VANTIX::PDF
