@@ -113,17 +113,15 @@ Values Mix(const Values& from, const Values& to, double part, std::size_t count)
 }
 
 /// Paints triangles and patches upon one another. Places are those of the shading's space.
-class MeshCanvas : public MeshSink {
+class MeshPainter : public MeshSink {
 public:
-    MeshCanvas(const Mesh& mesh, const ShadingColors& colors, const PixelGrid& grid)
+    MeshPainter(const Mesh& mesh, const ShadingColors& colors, ShadingCanvas& canvas)
         : mColors(colors),
-          mGrid(grid),
+          mCanvas(canvas),
+          mGrid(canvas.Grid()),
           mValues(mesh.ValueCount()),
-          mPlanes(static_cast<std::size_t>(colors.Space()->GetComponentCount())),
-          mLongest(LongestWay(grid.area)),
-          mDomain{mesh.Domain()[0], mesh.Domain()[1]},
-          mSamples(PixelCount() * mPlanes),
-          mOpacity(PixelCount()) {
+          mLongest(LongestWay(mGrid.area)),
+          mDomain{mesh.Domain()[0], mesh.Domain()[1]} {
         if (mesh.InputCount() > 0) {
             mRamp.emplace(colors, mDomain.data());
         }
@@ -135,24 +133,7 @@ public:
 
     void Patch(const MeshPatch& patch) override;
 
-    [[nodiscard]] std::size_t PlaneCount() const { return mPlanes; }
-
-    [[nodiscard]] std::size_t Width() const { return static_cast<std::size_t>(mGrid.width); }
-
-    /// The interleaved samples of a line.
-    [[nodiscard]] const std::uint8_t* Samples(std::int32_t y) const {
-        return mSamples.data() + static_cast<std::size_t>(y) * Width() * mPlanes;
-    }
-
-    [[nodiscard]] const std::uint8_t* Opacity(std::int32_t y) const {
-        return mOpacity.data() + static_cast<std::size_t>(y) * Width();
-    }
-
 private:
-    [[nodiscard]] std::size_t PixelCount() const {
-        return static_cast<std::size_t>(mGrid.width) * static_cast<std::size_t>(mGrid.height);
-    }
-
     [[nodiscard]] MeshVertex ToPixels(const MeshVertex& vertex) const {
         return {mGrid.ToPixels(vertex.place), vertex.values};
     }
@@ -163,18 +144,16 @@ private:
 
     void PaintTriangle(const MeshVertex& a, const MeshVertex& b, const MeshVertex& c);
     void PaintSpan(std::int32_t y, const MeshVertex& left, const MeshVertex& right);
-    void PaintPixel(std::size_t at, const Values& values);
+    [[nodiscard]] ShadingColors::Samples SamplesOf(const Values& values) const;
     void FindStrip(const MeshPatch& patch, double v, std::vector<MeshVertex>& strip) const;
 
     const ShadingColors& mColors;
-    PixelGrid mGrid;
+    ShadingCanvas& mCanvas;
+    const PixelGrid& mGrid;
     std::size_t mValues;
-    std::size_t mPlanes;
     double mLongest;
     std::array<float, 2> mDomain;
     std::optional<ColorRamp> mRamp;
-    std::vector<std::uint8_t> mSamples;
-    std::vector<std::uint8_t> mOpacity;
 };
 
 /// The first pixel whose middle does not lie before a place, within 0 and `end`.
@@ -184,7 +163,7 @@ std::int32_t FirstPixel(double place, std::int32_t end) {
 }
 
 // Pixels whose middles lie inside; those on an edge belong to one of the triangles at it.
-void MeshCanvas::PaintTriangle(const MeshVertex& a, const MeshVertex& b, const MeshVertex& c) {
+void MeshPainter::PaintTriangle(const MeshVertex& a, const MeshVertex& b, const MeshVertex& c) {
     const MeshVertex* top = &a;
     const MeshVertex* middle = &b;
     const MeshVertex* bottom = &c;
@@ -209,28 +188,22 @@ void MeshCanvas::PaintTriangle(const MeshVertex& a, const MeshVertex& b, const M
     }
 }
 
-void MeshCanvas::PaintSpan(std::int32_t y, const MeshVertex& left, const MeshVertex& right) {
+void MeshPainter::PaintSpan(std::int32_t y, const MeshVertex& left, const MeshVertex& right) {
     const std::int32_t end = FirstPixel(right.place.x, mGrid.width);
     const double length = right.place.x - left.place.x;
     for (std::int32_t x = FirstPixel(left.place.x, mGrid.width); x < end; ++x) {
         const double part = (x + 0.5 - left.place.x) / length;
-        PaintPixel(static_cast<std::size_t>(y) * Width() + static_cast<std::size_t>(x),
-                   Mix(left.values, right.values, part, mValues));
+        mCanvas.Paint(static_cast<std::size_t>(x), y,
+                      SamplesOf(Mix(left.values, right.values, part, mValues)));
     }
 }
 
-void MeshCanvas::PaintPixel(std::size_t at, const Values& values) {
-    const auto store = [this, at](const ShadingColors::Samples& samples) {
-        std::copy_n(samples.begin(), mPlanes,
-                    mSamples.begin() + static_cast<std::ptrdiff_t>(at * mPlanes));
-    };
-    if (mRamp) {
-        const double width = static_cast<double>(mDomain[1]) - mDomain[0];
-        store(mRamp->At(width == 0.0 ? 0.0 : (values[0] - mDomain[0]) / width));
-    } else {
-        store(mColors.ToSamples(mColors.ToHostForm(values)));
+ShadingColors::Samples MeshPainter::SamplesOf(const Values& values) const {
+    if (!mRamp) {
+        return mColors.ToSamples(mColors.ToHostForm(values));
     }
-    mOpacity[at] = 0xFF;
+    const double width = static_cast<double>(mDomain[1]) - mDomain[0];
+    return mRamp->At(width == 0.0 ? 0.0 : (values[0] - mDomain[0]) / width);
 }
 
 /// The four cubic Bernstein polynomials.
@@ -240,7 +213,8 @@ std::array<double, 4> Bernstein(double t) {
 }
 
 /// Fills a row of vertices, at even steps of u.
-void MeshCanvas::FindStrip(const MeshPatch& patch, double v, std::vector<MeshVertex>& strip) const {
+void MeshPainter::FindStrip(const MeshPatch& patch, double v,
+                            std::vector<MeshVertex>& strip) const {
     const std::array<double, 4> rows = Bernstein(v);
     std::array<ShadingPoint, 4> curve;
     for (std::size_t i = 0; i < 4; ++i) {
@@ -263,7 +237,7 @@ void MeshCanvas::FindStrip(const MeshPatch& patch, double v, std::vector<MeshVer
 }
 
 // Where a patch folds over itself, the greatest v shows, and of equal ones the greatest u.
-void MeshCanvas::Patch(const MeshPatch& patch) {
+void MeshPainter::Patch(const MeshPatch& patch) {
     const PatchLengths lengths(patch, mLongest);
     const double pixels = mGrid.width / (mGrid.area[2] - mGrid.area[0]);
     const auto cells = [pixels](double length) {
@@ -283,28 +257,6 @@ void MeshCanvas::Patch(const MeshPatch& patch) {
     }
 }
 
-/// The samples of a canvas, or with no planes of them its opacity.
-class CanvasPlanes : public HOST::PlaneSource {
-public:
-    CanvasPlanes(std::shared_ptr<const MeshCanvas> canvas, std::size_t planes)
-        : mCanvas(std::move(canvas)), mPlanes(planes) {}
-
-    void ReadLine(std::int32_t y, std::uint8_t* const* planes) override {
-        if (mPlanes == 0) {
-            std::copy_n(mCanvas->Opacity(y), mCanvas->Width(), planes[0]);
-            return;
-        }
-        const std::uint8_t* samples = mCanvas->Samples(y);
-        for (std::size_t x = 0; x < mCanvas->Width(); ++x) {
-            StorePixel(samples + x * mPlanes, mPlanes, x, planes);
-        }
-    }
-
-private:
-    std::shared_ptr<const MeshCanvas> mCanvas;
-    std::size_t mPlanes;
-};
-
 }  // namespace
 
 std::vector<ShadingPicture> MeshPictures(const Mesh& mesh, const ShadingColors& colors,
@@ -319,15 +271,12 @@ std::vector<ShadingPicture> MeshPictures(const Mesh& mesh, const ShadingColors& 
     }
     const PixelGrid grid(extent.Bounds(),
                          std::min(resolution, std::sqrt(kMostPainted / extent.Painted())));
-    const auto canvas = std::make_shared<MeshCanvas>(mesh, colors, grid);
-    mesh.Visit(*canvas);
-    std::vector<ShadingPicture> pictures(1);
-    ShadingPicture& picture = pictures.front();
-    picture.image = ImageOf(colors.Space(), grid.width, grid.height,
-                            std::make_unique<CanvasPlanes>(canvas, canvas->PlaneCount()));
-    picture.mask =
-        ImageMask{std::make_unique<CanvasPlanes>(canvas, 0), grid.width, grid.height, {}};
-    picture.place = grid.Place();
+    const auto canvas = std::make_shared<ShadingCanvas>(colors.Space(), grid);
+    MeshPainter painter(mesh, colors, *canvas);
+    mesh.Visit(painter);
+    canvas->Spread();
+    std::vector<ShadingPicture> pictures;
+    pictures.push_back(PictureOf(canvas));
     return pictures;
 }
 

@@ -30,7 +30,9 @@ public:
 
     void ReadLine(std::int32_t /*y*/, std::uint8_t* const* planes) override {
         for (std::size_t x = 0; x < mRamp.All().size(); ++x) {
-            StorePixel(mRamp.All()[x].data(), mPlanes, x, planes);
+            for (std::size_t i = 0; i < mPlanes; ++i) {
+                planes[i][x] = mRamp.All()[x][i];
+            }
         }
     }
 
@@ -39,32 +41,23 @@ private:
     std::size_t mPlanes;
 };
 
-/// What a shading paints at a point: false for nothing. Samples may be left out (null).
-using Shader = std::function<bool(const Point& point, Samples* samples)>;
-
-/// The colours of a shading, or with no planes of colours its opacity.
-class ShadedPlanes : public HOST::PlaneSource {
+/// The samples of a canvas, or its opacity.
+class CanvasPlanes : public HOST::PlaneSource {
 public:
-    ShadedPlanes(Shader shader, const PixelGrid& grid, std::size_t planes)
-        : mShader(std::move(shader)), mGrid(grid), mPlanes(planes) {}
+    CanvasPlanes(std::shared_ptr<const ShadingCanvas> canvas, bool isOpacity)
+        : mCanvas(std::move(canvas)), mIsOpacity(isOpacity) {}
 
     void ReadLine(std::int32_t y, std::uint8_t* const* planes) override {
-        for (std::size_t x = 0; x < static_cast<std::size_t>(mGrid.width); ++x) {
-            Samples samples{};
-            const bool isPainted = mShader(mGrid.Middle(x, y), mPlanes == 0 ? nullptr : &samples);
-            if (mPlanes == 0) {
-                planes[0][x] = isPainted ? 0xFF : 0;
-            } else {
-                StorePixel(samples.data(), mPlanes, x, planes);
-            }
-        }
+        mIsOpacity ? mCanvas->ReadOpacity(y, planes[0]) : mCanvas->ReadSamples(y, planes);
     }
 
 private:
-    Shader mShader;
-    PixelGrid mGrid;
-    std::size_t mPlanes;
+    std::shared_ptr<const ShadingCanvas> mCanvas;
+    bool mIsOpacity;
 };
+
+/// What a shading paints at a point; nothing for nothing.
+using Shader = std::function<std::optional<Samples>(const Point& point)>;
 
 std::vector<ShadingPicture> ShadedPicture(const ShadingColors& colors, const ShadingArea& area,
                                           double resolution, const Shader& shader) {
@@ -73,13 +66,16 @@ std::vector<ShadingPicture> ShadedPicture(const ShadingColors& colors, const Sha
         return pictures;
     }
     const PixelGrid grid(area, resolution);
-    const auto planes = static_cast<std::size_t>(colors.Space()->GetComponentCount());
-    ShadingPicture& picture = pictures.emplace_back();
-    picture.image = ImageOf(colors.Space(), grid.width, grid.height,
-                            std::make_unique<ShadedPlanes>(shader, grid, planes));
-    picture.mask =
-        ImageMask{std::make_unique<ShadedPlanes>(shader, grid, 0), grid.width, grid.height, {}};
-    picture.place = grid.Place();
+    const auto canvas = std::make_shared<ShadingCanvas>(colors.Space(), grid);
+    for (std::int32_t y = 0; y < grid.height; ++y) {
+        for (std::size_t x = 0; x < static_cast<std::size_t>(grid.width); ++x) {
+            if (const auto samples = shader(grid.Middle(x, y))) {
+                canvas->Paint(x, y, *samples);
+            }
+        }
+    }
+    canvas->Spread();
+    pictures.push_back(PictureOf(canvas));
     return pictures;
 }
 
@@ -95,15 +91,12 @@ std::vector<ShadingPicture> FunctionPicture(const COLOR::IFunctionShadingColorSp
     if (!inverse || !colors.IsUsable(2)) {
         return {};
     }
-    const Shader shader = [colors, domain, inverse](const Point& point, Samples* samples) {
+    const Shader shader = [&](const Point& point) -> std::optional<Samples> {
         const Point p = Apply(*inverse, point);
         const float inputs[2] = {static_cast<float>(p.x), static_cast<float>(p.y)};
         const bool isInside = inputs[0] >= domain[0] && inputs[0] <= domain[1] &&
                               inputs[1] >= domain[2] && inputs[1] <= domain[3];
-        if (isInside && samples != nullptr) {
-            *samples = colors.At(inputs);
-        }
-        return isInside;
+        return isInside ? std::optional(colors.At(inputs)) : std::nullopt;
     };
     return ShadedPicture(colors, area, resolution, shader);
 }
@@ -229,18 +222,26 @@ std::vector<ShadingPicture> RadialPicture(const COLOR::IRadialShadingPatternColo
             area, {std::min(c[0] - c[2], c[3] - c[5]), std::min(c[1] - c[2], c[4] - c[5]),
                    std::max(c[0] + c[2], c[3] + c[5]), std::max(c[1] + c[2], c[4] + c[5])});
     }
-    const Shader shader = [circles, ramp = ColorRamp(colors, domain)](const Point& point,
-                                                                      Samples* samples) {
+    const ColorRamp ramp(colors, domain);
+    const Shader shader = [&](const Point& point) -> std::optional<Samples> {
         const auto part = circles.At(point);
-        if (part && samples != nullptr) {
-            *samples = ramp.At(*part);
-        }
-        return part.has_value();
+        return part ? std::optional(ramp.At(*part)) : std::nullopt;
     };
     return ShadedPicture(colors, painted, resolution, shader);
 }
 
 }  // namespace
+
+ShadingPicture PictureOf(std::shared_ptr<const ShadingCanvas> canvas) {
+    const PixelGrid& grid = canvas->Grid();
+    ShadingPicture picture;
+    picture.place = grid.Place();
+    picture.mask =
+        ImageMask{std::make_unique<CanvasPlanes>(canvas, true), grid.width, grid.height, {}};
+    picture.image = ImageOf(canvas->Space(), grid.width, grid.height,
+                            std::make_unique<CanvasPlanes>(canvas, false));
+    return picture;
+}
 
 std::vector<ShadingPicture> PicturesOf(COLOR::IConnectionColorSpace& shading,
                                        const ShadingArea& area, double resolution,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -19,6 +20,9 @@ struct ShadingPicture {
     std::optional<ImageMask> mask;  ///< where it paints; nothing: everywhere
     std::array<double, 6> place{};  ///< from the unit square to the shading's own space
 };
+
+/// The picture that a canvas is.
+ShadingPicture PictureOf(std::shared_ptr<const ShadingCanvas> canvas);
 
 /// What a shading paints in `area`, in its own colours, or in `rgb` where these are Lab. An axial
 /// shading is one line of pixels, laid across the area, with its ends as single ones; the others

@@ -112,6 +112,72 @@ const ShadingColors::Samples& ColorRamp::At(double part) const {
     return mSamples[static_cast<std::size_t>(std::clamp(part * steps, 0.0, steps - 1.0))];
 }
 
+namespace {
+
+constexpr std::uint8_t kNoRound = 0xFF;
+
+}  // namespace
+
+ShadingCanvas::ShadingCanvas(HOST::ColorSpacePtr space, const PixelGrid& grid)
+    : mSpace(std::move(space)),
+      mGrid(grid),
+      mPlanes(static_cast<std::size_t>(mSpace->GetComponentCount())),
+      mSamples(At(0, grid.height) * mPlanes),
+      mRounds(At(0, grid.height), kNoRound) {}
+
+void ShadingCanvas::Paint(std::size_t x, std::int32_t y, const ShadingColors::Samples& samples) {
+    std::copy_n(samples.begin(), mPlanes, mSamples.data() + At(x, y) * mPlanes);
+    mRounds[At(x, y)] = 0;
+}
+
+void ShadingCanvas::Spread() {
+    // As far as a pixel of a device of 36 dots an inch reaches at 150.
+    constexpr std::uint8_t kSpread = 4;
+    for (std::uint8_t round = 1; round <= kSpread; ++round) {
+        for (std::int32_t y = 0; y < mGrid.height; ++y) {
+            for (std::int32_t x = 0; x < mGrid.width; ++x) {
+                if (mRounds[At(static_cast<std::size_t>(x), y)] == kNoRound) {
+                    SpreadTo(x, y, round);
+                }
+            }
+        }
+    }
+}
+
+void ShadingCanvas::SpreadTo(std::int32_t x, std::int32_t y, std::uint8_t round) {
+    constexpr std::array<std::array<std::int32_t, 2>, 4> kNeighbours{
+        {{-1, 0}, {1, 0}, {0, -1}, {0, 1}}};
+    for (const auto& [right, down] : kNeighbours) {
+        const std::int32_t column = x + right;
+        const std::int32_t row = y + down;
+        if (column < 0 || row < 0 || column >= mGrid.width || row >= mGrid.height) {
+            continue;
+        }
+        const std::size_t from = At(static_cast<std::size_t>(column), row);
+        if (mRounds[from] < round) {
+            const std::size_t to = At(static_cast<std::size_t>(x), y);
+            std::copy_n(mSamples.data() + from * mPlanes, mPlanes, mSamples.data() + to * mPlanes);
+            mRounds[to] = round;
+            return;
+        }
+    }
+}
+
+void ShadingCanvas::ReadSamples(std::int32_t y, std::uint8_t* const* planes) const {
+    const std::uint8_t* samples = mSamples.data() + At(0, y) * mPlanes;
+    for (std::size_t x = 0; x < static_cast<std::size_t>(mGrid.width); ++x) {
+        for (std::size_t i = 0; i < mPlanes; ++i) {
+            planes[i][x] = *samples++;
+        }
+    }
+}
+
+void ShadingCanvas::ReadOpacity(std::int32_t y, std::uint8_t* plane) const {
+    const std::uint8_t* rounds = mRounds.data() + At(0, y);
+    std::transform(rounds, rounds + mGrid.width, plane,
+                   [](std::uint8_t round) { return round == 0 ? std::uint8_t{0xFF} : 0; });
+}
+
 PlanarImage ImageOf(const HOST::ColorSpacePtr& space, std::int32_t width, std::int32_t height,
                     PlaneSourcePtr source) {
     PlanarImage image;

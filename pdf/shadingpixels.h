@@ -126,13 +126,37 @@ private:
     std::vector<ShadingColors::Samples> mSamples;
 };
 
-/// Stores the first samples as a pixel of as many planes.
-inline void StorePixel(const std::uint8_t* samples, std::size_t planeCount, std::size_t x,
-                       std::uint8_t* const* planes) {
-    for (std::size_t i = 0; i < planeCount; ++i) {
-        planes[i][x] = samples[i];
+/// The picture of a shading that does not paint everywhere: samples, and where they are painted.
+class ShadingCanvas {
+public:
+    ShadingCanvas(HOST::ColorSpacePtr space, const PixelGrid& grid);
+
+    [[nodiscard]] const PixelGrid& Grid() const { return mGrid; }
+
+    void Paint(std::size_t x, std::int32_t y, const ShadingColors::Samples& samples);
+
+    /// Carries colours a little beyond what is painted: clips take in whole pixels of a device.
+    void Spread();
+
+    /// Takes planes of the samples, or the plane of opacity.
+    void ReadSamples(std::int32_t y, std::uint8_t* const* planes) const;
+    void ReadOpacity(std::int32_t y, std::uint8_t* plane) const;
+
+    [[nodiscard]] const HOST::ColorSpacePtr& Space() const { return mSpace; }
+
+private:
+    [[nodiscard]] std::size_t At(std::size_t x, std::int32_t y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(mGrid.width) + x;
     }
-}
+
+    void SpreadTo(std::int32_t x, std::int32_t y, std::uint8_t round);
+
+    HOST::ColorSpacePtr mSpace;
+    PixelGrid mGrid;
+    std::size_t mPlanes;
+    std::vector<std::uint8_t> mSamples;
+    std::vector<std::uint8_t> mRounds;  // in which a pixel got its colour: 0 where it is painted
+};
 
 /// An image of 8 bits in a space.
 PlanarImage ImageOf(const HOST::ColorSpacePtr& space, std::int32_t width, std::int32_t height,

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <ostream>
+#include <utility>
 
 #include "e2e/imagesheets.h"
 #include "e2e/tool.h"
@@ -163,8 +164,8 @@ std::string Lattice(const MeshBits& bits, const ShadingSpace& space, const std::
     return mesh.Stream(5, text, "/VerticesPerRow 3");
 }
 
-std::string Patches(const MeshBits& bits, const ShadingSpace& space, const std::string& text,
-                    bool hasFunction, int type) {
+std::string Patch(const MeshBits& bits, const ShadingSpace& space, const std::string& text,
+                  bool hasFunction, int type) {
     static constexpr double kEdge[12][2] = {{0.1, 0.1}, {0.0, 0.4}, {0.2, 0.6}, {0.1, 0.9},
                                             {0.4, 1.0}, {0.6, 0.8}, {0.9, 0.9}, {1.0, 0.6},
                                             {0.8, 0.4}, {0.9, 0.1}, {0.6, 0.0}, {0.4, 0.2}};
@@ -184,7 +185,82 @@ std::string Patches(const MeshBits& bits, const ShadingSpace& space, const std::
     return mesh.Stream(type, text, "");
 }
 
-/// All kinds of shadings in a space: first those of a page's own types 1 to 3, then meshes.
+/// Patches of which each goes on from another edge of the one before.
+std::string ChainOfPatches(const ShadingSpace& space, const std::string& text, int type) {
+    static constexpr struct {
+        unsigned flag;
+        double x, y;  // of the start of the shared edge
+        double edgeX, edgeY;
+        double sideX, sideY;
+    } kPatches[] = {{0, 0.1, 0.1, 0.0, 0.3, 0.3, 0.0},
+                    {1, 0.1, 0.4, 0.3, 0.0, 0.0, 0.3},
+                    {2, 0.4, 0.7, -0.3, 0.0, 0.1, 0.2},
+                    {3, 0.5, 0.9, -0.1, -0.2, 0.3, -0.1}};
+
+    // Parts of edge and side, behind one another around a patch.
+    static constexpr double kPoints[16][2] = {{0, 0}, {1, 0}, {2, 0}, {3, 0}, {3, 1}, {3, 2},
+                                              {3, 3}, {2, 3}, {1, 3}, {0, 3}, {0, 2}, {0, 1},
+                                              {1, 1}, {2, 1}, {2, 2}, {1, 2}};
+    MeshData mesh({8, 16, 8}, space, false);
+    for (const auto& patch : kPatches) {
+        mesh.Flag(patch.flag);
+        for (std::size_t i = patch.flag == 0 ? 0 : 4; i < (type == 6 ? 12 : 16); ++i) {
+            const double along = kPoints[i][0] / 3;
+            const double across = kPoints[i][1] / 3;
+            mesh.Point(patch.x + along * patch.edgeX + across * patch.sideX,
+                       patch.y + along * patch.edgeY + across * patch.sideY);
+        }
+        if (patch.flag == 0) {
+            mesh.Color(0.0);
+            mesh.Color(0.2);
+        }
+        mesh.Color(0.9);
+        mesh.Color(0.3 * patch.flag);
+        mesh.Align();
+    }
+    return mesh.Stream(type, text, "");
+}
+
+/// A function of two inputs, whose outputs go from the first to the last colour of a space with
+/// their product.
+std::string Product(const ShadingSpace& space) {
+    std::string program = "{ mul ";
+    std::string range;
+    for (std::size_t i = 0; i < space.first.size(); ++i) {
+        const bool isLast = i + 1 == space.first.size();
+        program += isLast ? "" : "dup ";
+        program += Numbers({space.last[i] - space.first[i]}) + "mul " + Numbers({space.first[i]});
+        program += isLast ? "add " : "add exch ";
+        range += "0 1 ";
+    }
+    return StreamOf(program + "}", "/FunctionType 4 /Domain [0 1 0 1] /Range [" + range + "]");
+}
+
+/// One shading of each type from 1 on, and each mesh that has no function once more by one.
+/// `more` goes into each dictionary.
+std::vector<std::string> AllTypes(Sheet& sheet, const ShadingSpace& space, const std::string& text,
+                                  const std::string& more = {}) {
+    const auto common = [&](int type) {
+        return "/ShadingType " + std::to_string(type) + " /ColorSpace " + text + " " + more + " ";
+    };
+    const std::string function = " /Function " + Exponential(space, "1") + " >>";
+    std::vector<std::string> shadings{
+        "<< " + common(1) + "/Matrix [0.8 0.1 -0.1 0.8 0.15 0.1] /Function " +
+            sheet.Add(Product(space)) + " >>",
+        "<< " + common(2) + "/Coords [0.2 0.1 0.8 0.5]" + function,
+        "<< " + common(3) + "/Coords [0.5 0.5 0.1 0.5 0.5 0.4]" + function};
+    const std::string end = text + " " + more;
+    for (const bool hasFunction : {false, true}) {
+        for (const std::string& mesh :
+             {Triangles({}, space, end, hasFunction), Lattice({}, space, end, hasFunction),
+              Patch({}, space, end, hasFunction, 6), Patch({}, space, end, hasFunction, 7)}) {
+            shadings.push_back(sheet.Add(mesh));
+        }
+    }
+    return shadings;
+}
+
+/// All kinds of shadings in a space: first gradients, then meshes.
 void DrawShadings(Sheet& sheet, const ShadingSpace& space) {
     const std::string text = space.text(sheet);
     const auto draw = [&](const std::string& name, const std::string& shading) {
@@ -221,13 +297,8 @@ void DrawShadings(Sheet& sheet, const ShadingSpace& space) {
                                  " >>");
     draw("a cone", "<< " + entries(3) + "/Coords [0.2 0.5 0.1 0.8 0.5 0.02] /Extend [true false]" +
                        ends + " >>");
+    draw("by function of two inputs", AllTypes(sheet, space, text).front());
     if (space.first.size() == 3) {
-        draw("by function",
-             "<< " + entries(1) +
-                 "/Domain [0 1 0 1] /Matrix [0.8 0.1 -0.1 0.8 0.15 0.1] /Function " +
-                 sheet.Add(StreamOf("{ 2 copy mul }",
-                                    "/FunctionType 4 /Domain [0 1 0 1] /Range [0 1 0 1 0 1]")) +
-                 " >>");
         draw("by an array",
              "<< " + entries(2) +
                  "/Coords [0 0 1 0] /Function [<< /FunctionType 2 /Domain [0 1] /N 1 /C0 [0] /C1 "
@@ -254,9 +325,11 @@ void DrawShadings(Sheet& sheet, const ShadingSpace& space) {
         mesh("triangles of odd bits", Triangles({2, 24, 16}, space, text, hasFunction));
         mesh("lattice", Lattice({}, space, text, hasFunction));
         mesh("lattice of odd bits", Lattice({8, 12, 4}, space, text, hasFunction));
-        mesh("Coons patch", Patches({}, space, text, hasFunction, 6));
-        mesh("tensor patch", Patches({4, 32, 12}, space, text, hasFunction, 7));
+        mesh("Coons patch", Patch({}, space, text, hasFunction, 6));
+        mesh("tensor patch", Patch({4, 32, 12}, space, text, hasFunction, 7));
     }
+    draw("chain of Coons patches", sheet.Add(ChainOfPatches(space, text, 6)));
+    draw("chain of tensor patches", sheet.Add(ChainOfPatches(space, text, 7)));
 }
 
 const ShadingSpace kSpaces[] = {
@@ -357,15 +430,29 @@ TEST_P(Shadings, PaintAsPatterns) {
         const std::string radial =
             Gradient(GetParam(), space,
                      "/ShadingType 3 /Coords [0.5 0.5 0.1 0.5 0.5 0.4] /Extend [true true]");
-        sheet.Pattern("fill", axial, "0.1 0.1 0.8 0.8 re f");
         sheet.Pattern("fill by even and odd", radial, "0.1 0.1 0.8 0.8 re 0.3 0.3 0.4 0.4 re f*");
         sheet.Pattern("fill under another matrix", axial,
                       "q 0.5 0.2 -0.2 0.5 0.3 0.2 cm 0 0 1 1 re f Q 0.8 0.8 0.2 0.2 re f");
-        if (*level == '3') {
-            std::string backed = "<< /Background [";
-            backed.append(Numbers(GetParam().last)).append("] ").append(axial.substr(3));
-            sheet.Pattern("stroke", radial, "0.1 w 0.2 0.2 0.6 0.6 re S");
-            sheet.Pattern("before a background", backed, "0 0 0.9 0.9 re f");
+        const std::string background = "/Background [" + Numbers(GetParam().last) + "]";
+        for (const std::string& more : {std::string(), background}) {
+            int count = 0;
+            for (const std::string& shading : AllTypes(sheet, GetParam(), space, more)) {
+                sheet.Pattern(std::to_string(++count) + " " + more, shading,
+                              "0.05 0.05 0.9 0.9 re f");
+            }
+        }
+        sheet.Space("Plain", space);
+        std::string middle;
+        for (std::size_t i = 0; i < GetParam().first.size(); ++i) {
+            middle += Numbers({(GetParam().first[i] + GetParam().last[i]) / 2});
+        }
+        constexpr const char* kFrame = "0.1 w 0.2 0.2 0.6 0.6 re S";
+        const std::size_t plain = sheet.Cells().size();
+        sheet.Draw("stroke of one colour", "/Plain CS " + middle + "SCN " + kFrame);
+        auto& stroke = sheet.Pattern("stroke", radial, kFrame);
+        if (*level == '2') {
+            stroke.like = plain;
+            stroke.isDrawnRight = false;
         }
         Check(sheet, level);
     }
@@ -377,16 +464,21 @@ TEST_P(Shadings, KeepTheirPlates) {
     }
     Sheet sheet;
     DrawShadings(sheet, GetParam());
-    for (const char* model : {"as-is", "devicen"}) {
-        SCOPED_TRACE(model);
-        ASSERT_NO_FATAL_FAILURE(Convert(sheet, {"--color", model}));
+    const std::string space = GetParam().text(sheet);
+    for (const std::string& shading : AllTypes(sheet, GetParam(), space)) {
+        sheet.Pattern("pattern", shading, "0.05 0.05 0.9 0.9 re f");
+    }
+    for (const auto& [model, level] : {std::pair{"as-is", "3"}, {"devicen", "3"}, {"as-is", "2"}}) {
+        SCOPED_TRACE(std::string(model) + level);
+        ASSERT_NO_FATAL_FAILURE(Convert(sheet, {"--color", model, "--level", level}));
         const auto reference = DrawPlates(mInput, {});
         const auto drawn = DrawPlates(mOutput, {});
+        EXPECT_EQ(drawn.complaint, "");
         ASSERT_EQ(drawn.pages.size(), 1U);
         ASSERT_EQ(drawn.pages.front().size(), reference.pages.front().size());
         for (const auto& [ink, plate] : reference.pages.front()) {
             SCOPED_TRACE(ink);
-            CompareCells(sheet, drawn.pages.front().at(ink), plate);
+            CompareCells(sheet, drawn.pages.front().at(ink), plate, *level == '3');
         }
     }
 }
