@@ -434,7 +434,8 @@ TEST_P(Shadings, PaintAsPatterns) {
         sheet.Pattern("fill under another matrix", axial,
                       "q 0.5 0.2 -0.2 0.5 0.3 0.2 cm 0 0 1 1 re f Q 0.8 0.8 0.2 0.2 re f");
         const std::string background = "/Background [" + Numbers(GetParam().last) + "]";
-        for (const std::string& more : {std::string(), background}) {
+        for (const std::string& more :
+             {std::string(), background, std::string("/BBox [0.2 0.3 0.7 0.9]")}) {
             int count = 0;
             for (const std::string& shading : AllTypes(sheet, GetParam(), space, more)) {
                 sheet.Pattern(std::to_string(++count) + " " + more, shading,
@@ -480,6 +481,46 @@ TEST_P(Shadings, KeepTheirPlates) {
             SCOPED_TRACE(ink);
             CompareCells(sheet, drawn.pages.front().at(ink), plate, *level == '3');
         }
+    }
+}
+
+// One warning tells of them all.
+TEST(DamagedShadings, LeaveTheRestOfThePageIntact) {
+    const ShadingSpace rgb = kSpaces[1];
+    const std::string function = Exponential(rgb, "1");
+    const std::string gray = Exponential({"", nullptr, {0}, {1}}, "1");
+    const std::string axial = "<< /ShadingType 2 /ColorSpace /DeviceRGB /Coords [0 0 1 0] ";
+    const std::string mesh =
+        "/ShadingType 4 /ColorSpace /DeviceRGB /BitsPerFlag 8 "
+        "/BitsPerCoordinate 8 /BitsPerComponent 8 ";
+    const std::string triangle("\0\0\0\1\2\3\0\xFF\0\1\2\3\0\0\xFF\1\2\3", 18);
+    const std::string decode = "/Decode [0 1 0 1 0 1 0 1 0 1]";
+    for (const char* level : {"3", "2"}) {
+        SCOPED_TRACE(level);
+        Sheet sheet;
+        for (const std::string& shading :
+             {axial + "/Function " + gray + " >>",
+              axial + "/Domain [1 1] /Function " + function + " >>", axial + ">>",
+              sheet.Add(StreamOf(triangle, mesh + "/Decode [0 1 0 1 0 1 0 1]")),
+              sheet.Add(StreamOf(triangle.substr(0, 11), mesh + decode)),
+              sheet.Add(StreamOf(triangle + "\1\2", mesh + decode))}) {
+            sheet.Shading("damaged", shading).isJudged = false;
+            sheet.Pattern("damaged", shading, "0 0 1 1 re B").isJudged = false;
+        }
+        sheet.Shading("sound", axial + "/Function " + function + " >>");
+        const TemporaryFolder folder;
+        const std::string input = folder.File("sheet.pdf");
+        const std::string output = folder.File("sheet.ps");
+        WriteFile(input, sheet.Pdf());
+        const ChildResult run = RunTool({"--level", level, input, output});
+        EXPECT_EQ(run.exitStatus, kDone);
+        const std::size_t warning = run.errors.find("warning");
+        EXPECT_NE(warning, std::string::npos);
+        EXPECT_EQ(run.errors.find("warning", warning + 1), std::string::npos) << run.errors;
+        const auto drawn = DrawPages(output, {});
+        EXPECT_EQ(drawn.complaint, "");
+        ASSERT_EQ(drawn.pages.size(), 1U);
+        CompareCells(sheet, drawn.pages.front(), DrawPages(input, {}).pages.front());
     }
 }
 
