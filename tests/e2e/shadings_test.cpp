@@ -102,6 +102,8 @@ public:
 
     void Align() { mData.Align(); }
 
+    [[nodiscard]] const std::string& Bytes() const { return mData.Bytes(); }
+
     /// A stream of ShadingType `type`; its Decode array takes each colour from the first to the
     /// last.
     [[nodiscard]] std::string Stream(int type, const std::string& space, const std::string& more) {
@@ -115,12 +117,13 @@ public:
         }
         const std::string function =
             mHasFunction ? " /Function " + Exponential(mSpace, "1") : std::string();
+        const bool isPacked = more.find("/FlateDecode") != std::string::npos;
         const std::string flags = type == 5 ? "" : " /BitsPerFlag " + std::to_string(mBits.flag);
-        return StreamOf(mData.Bytes(), "/ShadingType " + std::to_string(type) + " /ColorSpace " +
-                                           space + flags + " /BitsPerCoordinate " +
-                                           std::to_string(mBits.coordinate) +
-                                           " /BitsPerComponent " + std::to_string(mBits.component) +
-                                           " /Decode [" + decode + "] " + more + function);
+        return StreamOf(isPacked ? Deflated(mData.Bytes()) : mData.Bytes(),
+                        "/ShadingType " + std::to_string(type) + " /ColorSpace " + space + flags +
+                            " /BitsPerCoordinate " + std::to_string(mBits.coordinate) +
+                            " /BitsPerComponent " + std::to_string(mBits.component) + " /Decode [" +
+                            decode + "] " + more + function);
     }
 
 private:
@@ -484,6 +487,38 @@ TEST_P(Shadings, KeepTheirPlates) {
     }
 }
 
+TEST(LongMeshes, StayAsSmallAsInThePdf) {
+    const ShadingSpace rgb = kSpaces[1];
+    MeshData mesh({8, 16, 8}, rgb, false);
+    constexpr int kSide = 120;
+    for (int row = 0; row <= kSide; ++row) {
+        for (int column = 0; column <= kSide; ++column) {
+            const double x = static_cast<double>(column) / kSide;
+            const double y = static_cast<double>(row) / kSide;
+            mesh.Point(x * (0.9 + 0.1 * std::sin(9 * y)), y * (0.9 + 0.1 * std::sin(7 * x)));
+            mesh.Color(0.5 + 0.5 * std::sin(8 * x * y));
+        }
+    }
+    ASSERT_GT(mesh.Bytes().size(), 65535U);
+    Sheet sheet;
+    sheet.Shading("mesh", sheet.Add(mesh.Stream(5, "/DeviceRGB",
+                                                "/Filter /FlateDecode /VerticesPerRow " +
+                                                    std::to_string(kSide + 1))));
+    const TemporaryFolder folder;
+    const std::string input = folder.File("mesh.pdf");
+    const std::string output = folder.File("mesh.ps");
+    WriteFile(input, sheet.Pdf());
+    ASSERT_EQ(RunTool({"--encode", "flate", input, output}).exitStatus, kDone);
+    const std::string program = ReadFile(output);
+    EXPECT_NE(program.find("/T5DSArray1 currentfile"), std::string::npos);
+    const auto size = static_cast<double>(sheet.Pdf().size());
+    EXPECT_NEAR(static_cast<double>(program.size()), size, size / 4);
+    const auto drawn = DrawPages(output, {});
+    EXPECT_EQ(drawn.complaint, "");
+    ASSERT_EQ(drawn.pages.size(), 1U);
+    CompareCells(sheet, drawn.pages.front(), DrawPages(input, {}).pages.front());
+}
+
 // One warning tells of them all.
 TEST(DamagedShadings, LeaveTheRestOfThePageIntact) {
     const ShadingSpace rgb = kSpaces[1];
@@ -505,7 +540,7 @@ TEST(DamagedShadings, LeaveTheRestOfThePageIntact) {
               sheet.Add(StreamOf(triangle.substr(0, 11), mesh + decode)),
               sheet.Add(StreamOf(triangle + "\1\2", mesh + decode))}) {
             sheet.Shading("damaged", shading).isJudged = false;
-            sheet.Pattern("damaged", shading, "0 0 1 1 re B").isJudged = false;
+            sheet.Pattern("damaged", shading, "0 0 1 1 re f").isJudged = false;
         }
         sheet.Shading("sound", axial + "/Function " + function + " >>");
         const TemporaryFolder folder;
