@@ -250,8 +250,12 @@ std::optional<ShadingColors::Values> MiddleColor(const Mesh& mesh) {
     }
     ColorSum sum(mesh.ValueCount());
     mesh.Visit(sum);
-    const ShadingColors::Values mean = sum.Mean();
-    return mesh.InputCount() > 0 ? colors.Evaluate(mean.data()) : colors.ToHostForm(mean);
+    ShadingColors::Values mean = sum.Mean();
+    if (mesh.InputCount() > 0) {
+        return colors.Evaluate(mean.data());
+    }
+    colors.ToHostForm(mean);
+    return mean;
 }
 
 }  // namespace VANTIX::PDF

@@ -14,7 +14,7 @@ namespace {
 using Values = ShadingColors::Values;
 
 // Pixels that may be painted one upon another: about a second's work.
-constexpr double kMostPainted = 32 * PixelGrid::kMostPixels;
+constexpr double kMostPainted = 8 * PixelGrid::kMostPixels;
 // Patches are painted as cells of about as many pixels in each direction.
 constexpr double kCellPixels = 4.0;
 
@@ -103,13 +103,11 @@ private:
 };
 
 /// Values of an edge or of a line between two of its points.
-Values Mix(const Values& from, const Values& to, double part, std::size_t count) {
-    Values values{};
+void Mix(const Values& from, const Values& to, double part, std::size_t count, Values& out) {
     const auto share = static_cast<float>(part);
     for (std::size_t i = 0; i < count; ++i) {
-        values[i] = from[i] + (to[i] - from[i]) * share;
+        out[i] = from[i] + (to[i] - from[i]) * share;
     }
-    return values;
 }
 
 /// Paints triangles and patches upon one another. Places are those of the shading's space.
@@ -139,12 +137,14 @@ private:
     }
 
     [[nodiscard]] MeshVertex Between(const MeshVertex& a, const MeshVertex& b, double part) const {
-        return {a.place + (b.place - a.place) * part, Mix(a.values, b.values, part, mValues)};
+        MeshVertex vertex{a.place + (b.place - a.place) * part};
+        Mix(a.values, b.values, part, mValues, vertex.values);
+        return vertex;
     }
 
     void PaintTriangle(const MeshVertex& a, const MeshVertex& b, const MeshVertex& c);
     void PaintSpan(std::int32_t y, const MeshVertex& left, const MeshVertex& right);
-    [[nodiscard]] ShadingColors::Samples SamplesOf(const Values& values) const;
+    [[nodiscard]] ShadingColors::Samples SamplesOf(Values& values) const;
     void FindStrip(const MeshPatch& patch, double v, std::vector<MeshVertex>& strip) const;
 
     const ShadingColors& mColors;
@@ -191,16 +191,19 @@ void MeshPainter::PaintTriangle(const MeshVertex& a, const MeshVertex& b, const 
 void MeshPainter::PaintSpan(std::int32_t y, const MeshVertex& left, const MeshVertex& right) {
     const std::int32_t end = FirstPixel(right.place.x, mGrid.width);
     const double length = right.place.x - left.place.x;
+    Values values{};
     for (std::int32_t x = FirstPixel(left.place.x, mGrid.width); x < end; ++x) {
         const double part = (x + 0.5 - left.place.x) / length;
-        mCanvas.Paint(static_cast<std::size_t>(x), y,
-                      SamplesOf(Mix(left.values, right.values, part, mValues)));
+        Mix(left.values, right.values, part, mValues, values);
+        mCanvas.Paint(static_cast<std::size_t>(x), y, SamplesOf(values));
     }
 }
 
-ShadingColors::Samples MeshPainter::SamplesOf(const Values& values) const {
+// Takes the values for its own work.
+ShadingColors::Samples MeshPainter::SamplesOf(Values& values) const {
     if (!mRamp) {
-        return mColors.ToSamples(mColors.ToHostForm(values));
+        mColors.ToHostForm(values);
+        return mColors.ToSamples(values);
     }
     const double width = static_cast<double>(mDomain[1]) - mDomain[0];
     return mRamp->At(width == 0.0 ? 0.0 : (values[0] - mDomain[0]) / width);
@@ -222,8 +225,10 @@ void MeshPainter::FindStrip(const MeshPatch& patch, double v,
             curve[i] = curve[i] + patch.points[i][j] * rows[j];
         }
     }
-    const Values first = Mix(patch.colors[0], patch.colors[1], v, mValues);
-    const Values last = Mix(patch.colors[3], patch.colors[2], v, mValues);
+    Values first{};
+    Values last{};
+    Mix(patch.colors[0], patch.colors[1], v, mValues, first);
+    Mix(patch.colors[3], patch.colors[2], v, mValues, last);
     const auto steps = static_cast<double>(strip.size() - 1);
     for (std::size_t k = 0; k < strip.size(); ++k) {
         const double u = static_cast<double>(k) / steps;
@@ -232,7 +237,8 @@ void MeshPainter::FindStrip(const MeshPatch& patch, double v,
         for (std::size_t i = 0; i < 4; ++i) {
             place = place + curve[i] * columns[i];
         }
-        strip[k] = {mGrid.ToPixels(place), Mix(first, last, u, mValues)};
+        strip[k].place = mGrid.ToPixels(place);
+        Mix(first, last, u, mValues, strip[k].values);
     }
 }
 

@@ -9,6 +9,15 @@
 
 namespace VANTIX::PDF {
 
+namespace {
+
+/// Within 0 and 1; NaN is 0.
+float PartOf(float value) {
+    return value >= 0.0F ? std::min(value, 1.0F) : 0.0F;
+}
+
+}  // namespace
+
 bool IsArea(const ShadingArea& area) {
     return area[2] > area[0] && area[3] > area[1] && std::isfinite(area[2] - area[0]) &&
            std::isfinite(area[3] - area[1]);
@@ -46,7 +55,8 @@ ShadingColors::ShadingColors(const COLOR::IShadingColorSpace& shading,
     : mFunction(shading.GetFunction()),
       mSpace(shading.GetShadingSpace()),
       mTarget(mSpace),
-      mIsLab(mSpace && HOST::FamilyOf(*mSpace) == "clab"_cc) {
+      mIsLab(mSpace && HOST::FamilyOf(*mSpace) == "clab"_cc),
+      mIsInverted(mSpace && mSpace->StoresComponentsInverted()) {
     if (mIsLab) {
         mTarget = rgb;
     }
@@ -71,31 +81,26 @@ ShadingColors::Values ShadingColors::Evaluate(const float* inputs) const {
     return values;
 }
 
-ShadingColors::Values ShadingColors::ToHostForm(Values values) const {
-    if (mIsLab) {
-        return values;
+void ShadingColors::ToHostForm(Values& values) const {
+    for (std::size_t i = 0; !mIsLab && i < ComponentCount(); ++i) {
+        const float part = PartOf(values[i]);
+        values[i] = mIsInverted ? 1.0F - part : part;
     }
-    const bool isInverted = mSpace->StoresComponentsInverted();
-    std::transform(values.begin(), values.begin() + mSpace->GetComponentCount(), values.begin(),
-                   [isInverted](float value) {
-                       const float part = value >= 0.0F ? std::min(value, 1.0F) : 0.0F;
-                       return isInverted ? 1.0F - part : part;
-                   });
-    return values;
 }
 
-ShadingColors::Samples ShadingColors::ToSamples(Values values) const {
-    float pcs[3] = {};
+ShadingColors::Samples ShadingColors::ToSamples(const Values& values) const {
     constexpr auto kIntent = COLOR::TRenderingIntent::kRelativeColorimetric;
-    if (mTarget.Get() != mSpace.Get() && mSpace->ToPCS(values.data(), pcs, kIntent)) {
-        mTarget->FromPCS(pcs, values.data(), kIntent);
+    float pcs[3] = {};
+    Values converted;
+    const Values* shown = &values;
+    if (mTarget.Get() != mSpace.Get() && mSpace->ToPCS(values.data(), pcs, kIntent) &&
+        mTarget->FromPCS(pcs, converted.data(), kIntent)) {
+        shown = &converted;
     }
     Samples samples{};
-    std::transform(values.begin(), values.begin() + mTarget->GetComponentCount(), samples.begin(),
-                   [](float value) {
-                       const float part = value >= 0.0F ? std::min(value, 1.0F) : 0.0F;
-                       return static_cast<std::uint8_t>(part * 255.0F + 0.5F);
-                   });
+    std::transform(
+        shown->begin(), shown->begin() + mTarget->GetComponentCount(), samples.begin(),
+        [](float value) { return static_cast<std::uint8_t>(PartOf(value) * 255.0F + 0.5F); });
     return samples;
 }
 

@@ -91,11 +91,11 @@ public:
     /// What the function gives, in host form of the shading's own space.
     [[nodiscard]] Values Evaluate(const float* inputs) const;
 
-    /// Colours that stand in a mesh, in PDF form, in host form.
-    [[nodiscard]] Values ToHostForm(Values values) const;
+    /// Brings a colour that stands in a mesh, in PDF form, into host form.
+    void ToHostForm(Values& values) const;
 
     /// From host form.
-    [[nodiscard]] Samples ToSamples(Values values) const;
+    [[nodiscard]] Samples ToSamples(const Values& values) const;
 
     [[nodiscard]] Samples At(const float* inputs) const { return ToSamples(Evaluate(inputs)); }
 
@@ -104,6 +104,7 @@ private:
     HOST::ColorSpacePtr mSpace;
     HOST::ColorSpacePtr mTarget;
     bool mIsLab;
+    bool mIsInverted;
 };
 
 /// The colours along a domain.
