@@ -10,7 +10,7 @@ namespace VANTIX::PDF {
 namespace {
 
 double Decoded(std::uint32_t code, std::int32_t bits, const float* bounds) {
-    const double most = static_cast<double>((std::uint64_t{1} << static_cast<unsigned>(bits)) - 1);
+    const auto most = static_cast<double>((std::uint64_t{1} << static_cast<unsigned>(bits)) - 1);
     return bounds[0] + (static_cast<double>(bounds[1]) - bounds[0]) * (code / most);
 }
 
@@ -74,7 +74,7 @@ void AddInnerPoints(MeshPatch& patch) {
 void TakeEdge(const MeshPatch& last, std::uint32_t flag, MeshPatch& patch) {
     for (std::size_t i = 0; i < 4; ++i) {
         const auto& [toColumn, toRow] = kPointOrder[i];
-        const auto& [column, row] = kPointOrder[(3 * flag + i) % kEdgePoints];
+        const auto& [column, row] = kPointOrder[(std::size_t{3} * flag + i) % kEdgePoints];
         patch.points[toColumn][toRow] = last.points[column][row];
     }
     patch.colors[0] = last.colors[flag];

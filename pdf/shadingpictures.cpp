@@ -232,7 +232,7 @@ std::vector<ShadingPicture> RadialPicture(const COLOR::IRadialShadingPatternColo
 
 }  // namespace
 
-ShadingPicture PictureOf(std::shared_ptr<const ShadingCanvas> canvas) {
+ShadingPicture PictureOf(const std::shared_ptr<const ShadingCanvas>& canvas) {
     const PixelGrid& grid = canvas->Grid();
     ShadingPicture picture;
     picture.place = grid.Place();

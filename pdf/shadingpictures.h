@@ -22,7 +22,7 @@ struct ShadingPicture {
 };
 
 /// The picture that a canvas is.
-ShadingPicture PictureOf(std::shared_ptr<const ShadingCanvas> canvas);
+ShadingPicture PictureOf(const std::shared_ptr<const ShadingCanvas>& canvas);
 
 /// What a shading paints in `area`, in its own colours, or in `rgb` where these are Lab. An axial
 /// shading is one line of pixels, laid across the area, with its ends as single ones; the others

@@ -100,7 +100,7 @@ ShadingColors::Samples ShadingColors::ToSamples(const Values& values) const {
     Samples samples{};
     std::transform(
         shown->begin(), shown->begin() + mTarget->GetComponentCount(), samples.begin(),
-        [](float value) { return static_cast<std::uint8_t>(PartOf(value) * 255.0F + 0.5F); });
+        [](float value) { return static_cast<std::uint8_t>(std::lround(PartOf(value) * 255.0F)); });
     return samples;
 }
 
