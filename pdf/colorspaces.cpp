@@ -273,10 +273,10 @@ void ColorSpaces::Use(const Entry& entry) {
     }
 }
 
-void ColorSpaces::UseForImage(const Entry& entry) {
+void ColorSpaces::UseWithAlternates(const Entry& entry) {
     Use(entry);
     if (entry.alternate != nullptr && !(entry.kind == Entry::Kind::kSpace)) {
-        UseForImage(*entry.alternate);
+        UseWithAlternates(*entry.alternate);
     }
 }
 

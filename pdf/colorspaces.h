@@ -91,8 +91,9 @@ public:
     HOST::ColorSpacePtr PaletteSpace(const HOST::ColorSpacePtr& base,
                                      std::vector<std::uint8_t> table);
 
-    /// Notes that an image uses `entry`, with all that drawing in it needs.
-    void UseForImage(const ColorSpaceEntry& entry);
+    /// Notes that samples of `entry` are drawn, as images and shadings have them, with all that
+    /// this needs.
+    void UseWithAlternates(const ColorSpaceEntry& entry);
 
     /// Makes `entry` the space of `color`, with its initial colour. A pattern space leaves it.
     void Select(const ColorSpaceEntry& entry, HOST::CurrentColor& color);

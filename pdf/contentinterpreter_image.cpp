@@ -130,7 +130,7 @@ void ContentInterpreter::PaintImage(const ImageObject& object) {
 }
 
 void ContentInterpreter::PaintColors(Image& image) {
-    mContext.colorSpaces.UseForImage(image.Space());
+    mContext.colorSpaces.UseWithAlternates(image.Space());
     std::optional<ImageMask> mask = image.Mask();
     const MaskKind kind = mask ? Survey(*mask) : MaskKind::kOpaque;
     if (kind == MaskKind::kClear) {

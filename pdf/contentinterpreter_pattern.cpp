@@ -91,10 +91,10 @@ bool ContentInterpreter::DefinePattern(Pattern& pattern) {
         return false;
     }
     if (pattern.shading) {
-        mContext.colorSpaces.UseForImage(*pattern.shading->space);
+        mContext.colorSpaces.UseWithAlternates(*pattern.shading->space);
     }
     if (pattern.underlying != nullptr) {
-        mContext.colorSpaces.UseForImage(*pattern.underlying);
+        mContext.colorSpaces.UseWithAlternates(*pattern.underlying);
     }
     mContext.space.AddColorSpace(pattern.space.Get(), pattern.id);
     pattern.isRefused = pattern.cell && !pattern.cell->wasPlayed;

@@ -32,7 +32,7 @@ void ContentInterpreter::FillShading(Numbers) {
         DrawShadingRaster(*shading);
         return;
     }
-    mContext.colorSpaces.UseForImage(*shading->space);
+    mContext.colorSpaces.UseWithAlternates(*shading->space);
     const auto [x0, y0, x1, y1] = shading->box.value_or(ClipBounds());
     mContext.space.FillWithColorSpace(shading->shading.Get(), shading->id, ToFloat(x0), ToFloat(y0),
                                       ToFloat(x1 - x0), ToFloat(y1 - y0));
@@ -50,7 +50,7 @@ void ContentInterpreter::DrawShadingRaster(const Shading& shading) {
     if (pictures.empty() || !level.IsSaved()) {
         return;
     }
-    mContext.colorSpaces.UseForImage(*shading.space);
+    mContext.colorSpaces.UseWithAlternates(*shading.space);
     if (shading.box) {
         ClipToBox(*shading.box);
     }
