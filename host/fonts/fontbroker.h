@@ -18,7 +18,7 @@ namespace VANTIX::HOST {
 class NORVANE_HOST_API FontBroker : public TObject<GRAPHICS::IFontBroker> {
 public:
     /// Makes `handler` the font with this selector; the first one stays.
-    void Add(TInterfacePtr<GRAPHICS::IFontPackageHandler> handler, std::int32_t selector);
+    void Add(const TInterfacePtr<GRAPHICS::IFontPackageHandler>& handler, std::int32_t selector);
 
     IObject* FindFont(const char* name, std::int32_t selector, std::int32_t flags) override;
     void EnumerateFontFamilies(GRAPHICS::IFamilyFunctor& functor) override;

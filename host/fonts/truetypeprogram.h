@@ -2,15 +2,28 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "core/fonts/ifontancillaries.h"
 #include "host/export.h"
 #include "host/fonts/simplefont.h"
 
 namespace VANTIX::HOST {
+
+/// A TrueType program as it is written.
+struct FinishedTrueType {
+    /// An sfnt of the tables that PostScript needs, which follow each other by tag, padded.
+    std::vector<std::uint8_t> bytes;
+    std::uint32_t glyphCount = 0;
+    std::int16_t locaFormat = 0;
+    /// The glyph in `bytes` that each name stands for; ".notdef" is among them.
+    std::map<std::string, std::uint16_t, std::less<>> glyphs;
+};
 
 /// A TrueType font file of the document, cut to the glyphs that its fonts name. Glyphs are known by
 /// their indices in the file until the data is asked for; then the program is finished, and new
@@ -42,6 +55,16 @@ public:
     /// Names a glyph of the file, which thereby becomes one of those written. Answers `wanted` made
     /// fit to be a name, or a name made from it where another glyph has that already.
     virtual std::string NameGlyph(std::uint16_t glyph, std::string_view wanted) = 0;
+    /// Whether the outlines are going to be converted to Type 1: then advances lose what is below
+    /// a tenth of a thousandth of an em.
+    virtual void ExpectConversion(bool converted) = 0;
+    [[nodiscard]] virtual bool IsConverted() const = 0;
+
+    /// The program cut to its named glyphs, on the first call; or whole, with the indices of the
+    /// file and other glyphs blank, where it is too damaged to be cut.
+    virtual const FinishedTrueType& Finish() = 0;
+    /// Finishes, and plays every name with its outline.
+    virtual void EnumerateGlyphs(GRAPHICS::IGlyphFunctor& functor) = 0;
 };
 
 /// A font of a TrueType program, whose names its encoding uses.

@@ -33,12 +33,16 @@ public:
     [[nodiscard]] virtual std::int32_t GlyphCount() const = 0;
     [[nodiscard]] virtual std::size_t FileSize() const = 0;
 
-    /// The glyph is to be written, with what it is composed of.
+    /// The glyph is to be written, with what it is composed of. Where none is named, all are.
     virtual void UseGlyph(std::string_view glyph) = 0;
     /// Gives the program another /FontName, to tell it from every other font of the interpreter.
     virtual void Rename(std::string_view name) = 0;
     /// The encrypted part as hexadecimal digits, for output that must be text.
     virtual void UseText(bool text) = 0;
+
+    /// The program as it is written: clear text, encrypted part, zeros and "cleartomark". Made at
+    /// the first call, the same from then on.
+    virtual const std::vector<std::uint8_t>& Data() = 0;
 };
 
 /// A font of a Type 1 program. `description.name` is the program's name as it is written.
