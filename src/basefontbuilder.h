@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
+#include "core/fonts/ifontancillaries.h"
 #include "core/object/tinterfaceptr.h"
 #include "core/object/tobject.h"
 #include "ifontbuilder.h"
@@ -14,6 +17,32 @@ namespace VANTIX::PS {
 /// A font name as it may stand in a resource comment and in parentheses: control characters,
 /// delete and delimiters as "#" and two hexadecimal digits, at most 255 characters in all.
 std::string EscapeFontName(std::string_view name);
+
+/// Whether `name` can stand behind a "/": regular characters alone, no more of them than a name
+/// holds (PostScript Language Reference, 3.3 and appendix B).
+bool IsPlainName(std::string_view name);
+
+/// The time of the job in UTC as 24 characters and a newline, "Wed Nov 18 02:55:03 2026".
+std::string CreationTime();
+
+/// The bytes of two tables of a TrueType font: empty, or enough for what a builder reads of them.
+struct HeaderTables {
+    std::span<const std::uint8_t> head;
+    std::span<const std::uint8_t> post;
+};
+
+HeaderTables FindHeaderTables(const GRAPHICS::IT42Ancillary& font);
+
+/// Writes one entry of an encoding array for each call. Names that would break it are left out.
+class BaseFontEncodingFunctor final : public GRAPHICS::IEncodingFunctor {
+public:
+    explicit BaseFontEncodingFunctor(IPostScriptDataStream& stream) : mStream(stream) {}
+
+    bool operator()(std::int32_t code, const char* name) override;
+
+private:
+    IPostScriptDataStream& mStream;
+};
 
 /// The number that `WriteFontDictionary` turns into /FontType.
 enum class FontDictionaryType : std::int32_t { kType1 = 1, kType42 = 2, kType3 = 3 };
@@ -42,6 +71,20 @@ protected:
     void WriteBeginResource();
     /// /Encoding of `handler`: by name, or an array with its differences.
     void WriteEncoding(GRAPHICS::IFontPackageHandler& handler);
+    /// "%%VMusage" from a 'post' table; nothing for an empty one.
+    void WriteMemoryUse(std::span<const std::uint8_t> post);
+    /// Copies the font `source` (as it was defined) into a new dictionary, which stays open, with
+    /// /FontName.
+    void BeginRedefinition(const char* source, const char* name);
+    void EndRedefinition(const char* name);
+    /// A font name as a string, whatever is in it.
+    void WriteNameString(std::string_view name);
+    /// /FontMatrix from the handler, or the identity.
+    void WriteHandlerMatrix();
+    /// Writes one piece of text, formatted as `FormatText` does, of at most `kMostText` characters.
+    [[gnu::format(printf, 2, 3)]] void Print(const char* format, ...);
+
+    static constexpr std::size_t kMostText = 1024;
 
     [[nodiscard]] GRAPHICS::IFontPackageHandler* Handler() const { return mHandler.Get(); }
 
@@ -49,6 +92,8 @@ protected:
     [[nodiscard]] IPostScriptDataStream& Stream() const { return *mStream; }
 
 private:
+    void WriteFontInfo();
+
     TInterfacePtr<GRAPHICS::IFontPackageHandler> mHandler;
     TInterfacePtr<IPostScriptDataStream> mStream;
     FontDictionaryType mType;

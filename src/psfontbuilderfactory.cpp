@@ -1,13 +1,134 @@
 // SPDX-License-Identifier: MIT
 #include "psfontbuilderfactory.h"
 
+#include <algorithm>
+#include <iterator>
+
+#include "core/libsupport/vlogger/logmessage.h"
 #include "core/object/tobject.h"
+#include "t1fontbuilder.h"
+#include "t42fontbuilder.h"
 
 namespace VANTIX::PS {
 namespace {
 
-/// The object under which the host knows the plug-in's font builders.
-class PSFontBuilderFactory : public TObject<IObject> {};
+using GRAPHICS::TFontType;
+using BuilderPtr = TInterfacePtr<GRAPHICS::IFontBuilder>;
+using Maker = BuilderPtr (*)(IClassFactory&);
+
+constexpr const char* kModule = "src/psfontbuilderfactory";
+
+BuilderPtr MakeType1(IClassFactory& factory) {
+    return MakeObject<T1FontBuilder>(factory);
+}
+
+BuilderPtr MakeType42(IClassFactory& /*factory*/) {
+    return MakeObject<T42FontBuilder>();
+}
+
+/// What becomes of a kind of font that is asked for as a kind of PostScript font: a builder, or
+/// words.
+struct Route {
+    TFontType source;
+    TPSFontType type;
+    Maker make;
+    const char* refusal;
+};
+
+constexpr const char* kNoFontSet = "CFF fonts are not written as FontSets.";
+constexpr const char* kNoConversion = "CFF fonts are not converted to Type 1.";
+constexpr const char* kNoType3 = "Type 3 fonts are not written.";
+constexpr const char* kNoCIDFont = "CID-keyed fonts are not written.";
+
+constexpr Route kRoutes[] = {
+    {TFontType::kType1, TPSFontType::kNone, MakeType1, nullptr},
+    {TFontType::kType1, TPSFontType::kType1, MakeType1, nullptr},
+    {TFontType::kCFF, TPSFontType::kNone, nullptr, kNoFontSet},
+    {TFontType::kCFF, TPSFontType::kType1, nullptr, kNoConversion},
+    {TFontType::kCFF, TPSFontType::kFontSet, nullptr, kNoFontSet},
+    {TFontType::kCFF, TPSFontType::kCIDKeyedFontSet, nullptr, kNoFontSet},
+    {TFontType::kCFF, TPSFontType::kCIDFontType0, nullptr,
+     "Welcome! you are chosen to download CFF font as CIDFontType0 into PS"},
+    {TFontType::kCFF, TPSFontType::kCIDFontType1, nullptr,
+     "Welcome! you are chosen to download CFF font as CIDFontType1 into PS"},
+    {TFontType::kCFF, TPSFontType::kCIDFontType2, nullptr,
+     "Welcome! you are chosen to download CFF font as CIDFontType2 into PS"},
+    {TFontType::kType3, TPSFontType::kNone, nullptr, kNoType3},
+    {TFontType::kType3, TPSFontType::kType3, nullptr, kNoType3},
+    {TFontType::kCIDKeyedCFF, TPSFontType::kCIDFontType0, nullptr, kNoCIDFont},
+    {TFontType::kCIDKeyedTrueType, TPSFontType::kNone, nullptr, kNoCIDFont},
+    {TFontType::kCIDKeyedTrueType, TPSFontType::kCIDFontType0, nullptr, kNoCIDFont},
+    {TFontType::kCIDKeyedTrueType, TPSFontType::kCIDFontType2, nullptr, kNoCIDFont},
+    {TFontType::kTrueType, TPSFontType::kNone, MakeType42, nullptr},
+    {TFontType::kTrueType, TPSFontType::kType1, MakeType1, nullptr},
+    {TFontType::kTrueType, TPSFontType::kType42, MakeType42, nullptr},
+    {TFontType::kTrueType, TPSFontType::kCIDFontType0, nullptr,
+     "Welcome! you are chosen to implement true type font as CIDFontType0 into PS"},
+};
+
+/// The words for a kind of font that is asked for as anything else. With an end, the number of the
+/// type stands between.
+struct Refusal {
+    TFontType source;
+    const char* text;
+    const char* end;
+};
+
+constexpr Refusal kRefusals[] = {
+    {TFontType::kType1,
+     "Who else in this world cares about converting Postcript Type 1 fonts to some other format?",
+     nullptr},
+    {TFontType::kCFF, "New download type ", " to embedd CFF font into PS"},
+    {TFontType::kType3, "New download type ", " to embed Type 3 font into PS"},
+    {TFontType::kCIDKeyedCFF, "We only supprt CIDType0 for CIDKeyedCFF fonts.", nullptr},
+    {TFontType::kCIDKeyedTrueType, "New download type ", " to embedd True type font into PS"},
+    {TFontType::kTrueType, "New download type ", " to embedd True type font into PS"},
+};
+
+void LogRefusal(const GRAPHICS::IFontPackageHandler& handler, TPSFontType type) {
+    const TFontType source = handler.GetFontType();
+    const auto* found = std::find_if(std::begin(kRefusals), std::end(kRefusals),
+                                     [=](const Refusal& each) { return each.source == source; });
+    if (found == std::end(kRefusals)) {
+        LogError(kModule) << "Unknown font type " << static_cast<std::int32_t>(source)
+                          << " of source font " << handler.GetName();
+    } else if (found->end == nullptr) {
+        LogError(kModule) << found->text;
+    } else {
+        LogError(kModule) << found->text << static_cast<std::int32_t>(type) << found->end;
+    }
+}
+
+class PSFontBuilderFactory : public TObject<IPSFontBuilderFactory> {
+public:
+    GRAPHICS::IFontBuilder* CreatePSFontBuilder(IClassFactory& factory,
+                                                GRAPHICS::IFontPackageHandler* handler,
+                                                IO::IPacketDataProvider& packet, const char* name,
+                                                TPSFontType type) override;
+};
+
+GRAPHICS::IFontBuilder* PSFontBuilderFactory::CreatePSFontBuilder(
+    IClassFactory& factory, GRAPHICS::IFontPackageHandler* handler, IO::IPacketDataProvider& packet,
+    const char* name, TPSFontType type) {
+    if (handler == nullptr) {
+        LogError(kModule) << "No font for a font builder.";
+        return nullptr;
+    }
+    const TFontType source = handler->GetFontType();
+    const auto* route =
+        std::find_if(std::begin(kRoutes), std::end(kRoutes),
+                     [=](const Route& each) { return each.source == source && each.type == type; });
+    if (route == std::end(kRoutes)) {
+        LogRefusal(*handler, type);
+        return nullptr;
+    }
+    if (route->make == nullptr) {
+        LogError(kModule) << route->refusal;
+        return nullptr;
+    }
+    BuilderPtr builder = route->make(factory);
+    return builder->Init(handler, name, packet) ? builder.Detach() : nullptr;
+}
 
 }  // namespace
 
