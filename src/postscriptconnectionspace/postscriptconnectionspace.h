@@ -5,16 +5,23 @@
 #include <cstdint>
 #include <map>
 #include <set>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "baseconnectionspacedelegate/iconnectionspacedelegate.h"
 #include "core/color/ipatterncolorspaces.h"
+#include "core/graphics/itextobject.h"
 #include "core/graphics/pluginhelper/delegateconnectionspace.h"
 #include "core/io/idictionary.h"
+#include "ifontbuilder.h"
+#include "postscriptconnectionspace/jobfonts.h"
+#include "postscriptconnectionspace/textbuffer.h"
 #include "postscriptdatastream/postscriptstreamstack.h"
 
 namespace VANTIX::PS {
 
+class PSTextObject;
 class PostScriptOutputContext;
 class TilingPatterPSConnectionSpace;
 
@@ -30,6 +37,20 @@ struct JobPolicy {
     std::uint8_t tilingFlag = 0;
     bool flipImages = false;
 };
+
+/// The text parameters of a graphics state, in unscaled text space.
+struct TextState {
+    float charSpacing = 0;
+    float wordSpacing = 0;
+    float horizontalScaling = 1;
+    float leading = 0;
+    float fontSize = 0;
+    GRAPHICS::IGraphicsState::TTextRendering rendering =
+        GRAPHICS::IGraphicsState::TTextRendering::kFill;
+};
+
+/// Room for the expression that names a font, with its zero.
+inline constexpr std::size_t kFontNameBytes = 256;
 
 /// Turns the host's drawing calls into PostScript operators on the current stream of a job: the top
 /// of its stream stack. Stands behind the host's base connection space, which it owns; colours,
@@ -84,7 +105,19 @@ public:
     void SelectRenderingIntent2(COLOR::TRenderingIntent intent) override;
     void DrawImage(GRAPHICS::IRasterComponent* raster, float x, float y, float width,
                    float height) override;
+    /// Selects the state's font in the matrix of the text object that is open; before that puts
+    /// the fonts of the broker into the document.
+    void SelectCurrentFont() override;
     void SetOverprintState(bool overprint) override;
+    /// False (logged) when too many are open.
+    bool BeginTextObject() override;
+    /// False (logged) when none is open.
+    bool EndTextObject() override;
+    GRAPHICS::ITextObject* GetCurrentTextObject() const override;
+    void DrawTextW(const void* text, std::int32_t length) override;
+    /// Not implemented (logged): text is shown by its codes.
+    void DrawGlyphs(const std::uint16_t* glyphs, std::int32_t count, const std::uint16_t* text,
+                    std::int32_t textLength) override;
     void SaveInitialPageMatrix() override;
 
     /// Sets the space up for one job on `stream`: policy, streams, colour delegate, filters, output
@@ -100,6 +133,9 @@ public:
     /// Image data through the output context's filters.
     virtual void WriteContextStreamData(const void* data, std::int32_t length);
     virtual void FlushContextStreamData();
+    /// Writes the expression for a font's name into `name`; an empty one without a name. A name
+    /// that is too long is cut.
+    virtual void GetPSFontName(GRAPHICS::IFontPackageHandler* handler, char name[kFontNameBytes]);
     /// Makes the colours of a text rendering mode current.
     virtual void SetTextRenderingColor(GRAPHICS::IGraphicsState::TTextRendering mode);
     /// Notes the name under which the pattern `id` was defined; the first name stays (logged).
@@ -110,6 +146,32 @@ public:
     virtual void PaintPath(bool fill, bool evenOdd);
 
     void RelativeMoveTo(float dx, float dy);
+
+    // What text objects are made of.
+    /// Those of a new state before there is one.
+    [[nodiscard]] TextState GetTextState() const;
+    /// Hands the matrix to the mirror of the state and selects the state's font in it.
+    void SetTextMatrix(const float matrix[6]);
+    /// Selects the state's font; its matrix is the linear part of `matrix`, times size and scaling.
+    void SetTextFontAndSize(const float* matrix);
+    /// Writes one string with one operator, in the colour that is current.
+    void Show(std::span<const std::uint8_t> codes, GRAPHICS::IGraphicsState::TTextRendering mode);
+    /// An empty buffer for a line of text, the same each time.
+    TextBuffer& StartLine();
+
+    /// Name of the predefined CMap for an encoding; empty (logged) for others.
+    static const char* GetPostScriptCMapName(GRAPHICS::TEncoding encoding);
+    /// The kind of font that a font is downloaded as at a language level: `kNone` (logged) where
+    /// there is none. TrueType data go out as they are when `trueTypeDownload` allows it and they
+    /// are fit for it (else logged).
+    static TPSFontType GetPSFontType(GRAPHICS::IFontPackageHandler& handler, std::int32_t level,
+                                     bool trueTypeDownload);
+    /// Puts the fonts of the broker that `host` offers into the document, once for each broker.
+    /// False (logged) without a broker, or a factory for builders.
+    virtual bool DownloadFonts(const GRAPHICS::IConnectionSpace* host);
+
+    /// The names of the fonts that are in the document.
+    [[nodiscard]] virtual const JobFonts::NameMap& FontNames() const { return mFonts.names; }
 
     [[nodiscard]] const JobPolicy& GetPolicy() const { return mPolicy; }
 
@@ -169,6 +231,8 @@ protected:
     PostScriptStreamStack mStreams;
     JobPolicy mPolicy;
     TInterfacePtr<PostScriptOutputContext> mContext;
+    /// Whether selecting a font puts those of the broker into the document first.
+    bool mFontsPending = true;
     /// Transparency groups and soft masks that are open.
     std::int32_t mGroupDepth = 0;
 
@@ -188,6 +252,10 @@ private:
     /// the length; at least one. The current point moves to the last pair.
     template <std::size_t Floats, class Format>
     void WritePoints(const float* points, std::int32_t count, Format format);
+    /// The state's font (borrowed), or null.
+    IObject* FindFont(GRAPHICS::IFontBroker* broker) const;
+    /// Its handler (borrowed), or null (logged but for a font that is unknown).
+    GRAPHICS::IFontPackageHandler* FindHandlerToShow();
     TInterfacePtr<COLOR::IConnectionColorSpace> FindColorSpace(ResourceId id);
     void SetPatternColorSpaceAndColor(COLOR::IPatternConnectionColorSpace* pattern, ResourceId id,
                                       bool fill);
@@ -204,6 +272,9 @@ private:
     std::map<ResourceId, std::string> mResources;
     std::uint32_t mPatternImages = 0;
     Point mCurrent;
+    std::vector<TInterfacePtr<PSTextObject>> mTextObjects;
+    JobFonts mFonts;
+    TextBuffer mLine{0};
 };
 
 /// Creator of the space for the host's registrar: one new reference.

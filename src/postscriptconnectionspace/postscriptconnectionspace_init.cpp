@@ -9,6 +9,7 @@
 #include "postscriptconnectionspace/policykeys.h"
 #include "postscriptconnectionspace/postscriptconnectionspace.h"
 #include "postscriptconnectionspace/postscriptoutputcontext.h"
+#include "postscriptconnectionspace/pstextobject.h"
 
 namespace VANTIX::PS {
 

@@ -175,6 +175,9 @@ Status PostScriptConnectionSpace::CreateTilePatternDictionary(
         LogError(kModule) << "Unable to create PostScriptConnectionSpace.";
         return STATUS::kInvalidArgument;
     }
+    if (FindInterface<IObject>(mBase, GRAPHICS::IID_IFONTBROKER) != nullptr) {
+        DownloadFonts(mBase);
+    }
     if (const Status status = recorder->Record(*cell); status != STATUS::kOk) {
         LogError(kModule) << "The cell of a pattern could not be recorded.";
         return status;

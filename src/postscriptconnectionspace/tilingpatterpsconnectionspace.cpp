@@ -37,6 +37,7 @@ TilingPatterPSConnectionSpace::TilingPatterPSConnectionSpace(
     PostScriptConnectionSpace& owner, COLOR::IPatternConnectionColorSpace& pattern)
     : mOwner(owner), mPattern(pattern) {
     pattern.GetBounds(mBounds[0], mBounds[1], mBounds[2], mBounds[3]);
+    mFontsPending = false;
 }
 
 bool TilingPatterPSConnectionSpace::IsColoured() const {
@@ -229,6 +230,17 @@ void TilingPatterPSConnectionSpace::DrawImage(GRAPHICS::IRasterComponent* raster
 bool TilingPatterPSConnectionSpace::BeginTextObject() {
     CloseBlock();
     return PostScriptConnectionSpace::BeginTextObject();
+}
+
+bool TilingPatterPSConnectionSpace::EndTextObject() {
+    CloseBlock();
+    return PostScriptConnectionSpace::EndTextObject();
+}
+
+void TilingPatterPSConnectionSpace::DrawTextW(const void* text, std::int32_t length) {
+    // Two elements hold what shows a character in any mode, another two what begins a string.
+    CutBlock(std::clamp(length, 0, kMostBlockElements) * 2 + 2);
+    PostScriptConnectionSpace::DrawTextW(text, length);
 }
 
 void TilingPatterPSConnectionSpace::SaveInitialPageMatrix() {}

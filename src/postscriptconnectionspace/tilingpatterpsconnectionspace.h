@@ -52,6 +52,8 @@ public:
                    float height) override;
     void SetOverprintState(bool overprint) override;
     bool BeginTextObject() override;
+    bool EndTextObject() override;
+    void DrawTextW(const void* text, std::int32_t length) override;
     /// Does nothing: patterns in a cell start from the matrix of the cell.
     void SaveInitialPageMatrix() override;
 
@@ -59,6 +61,14 @@ public:
 
     void WriteContextStreamData(const void* data, std::int32_t length) override;
     void FlushContextStreamData() override;
+
+    /// Fonts belong to the document, outside of the procedure.
+    bool DownloadFonts(const GRAPHICS::IConnectionSpace* host) override {
+        return mOwner.DownloadFonts(host);
+    }
+
+    [[nodiscard]] const JobFonts::NameMap& FontNames() const override { return mOwner.FontNames(); }
+
     void SetTextRenderingColor(GRAPHICS::IGraphicsState::TTextRendering mode) override;
     void AddPostScriptColorSpaceResource(ResourceId id, const char* name) override;
     /// The recorder's own name, else the owner's.

@@ -10,10 +10,12 @@
 #include <string_view>
 #include <vector>
 
+#include "core/graphics/itextobject.h"
 #include "host/graphics/baseconnectionspace.h"
 #include "host/host.h"
 #include "host/io/fileprovider.h"
 #include "host/support/logger.h"
+#include "support/fakefonts.h"
 #include "support/ghostscriptpages.h"
 #include "support/temporaryfolder.h"
 
@@ -174,6 +176,83 @@ TEST_P(JobAtLevel, PathsInTheDeviceSpacesComeOut) {
     EXPECT_TRUE(isColor(100, 150, {false, true, true})) << "the cyan stroke";
     EXPECT_TRUE(isColor(310, 150, {false, false, false})) << "the black of the outer state";
     EXPECT_TRUE(isColor(350, 150, {true, true, true})) << "the hole";
+}
+
+/// Shows `text` at (x, y) in the state's font.
+void Show(BaseConnectionSpace& base, float x, float y, std::string_view text) {
+    const std::array<float, 6> matrix{1, 0, 0, 1, x, y};
+    base.BeginTextObject();
+    base.SelectCurrentFont();
+    base.GetCurrentTextObject()->SetTextMatrix(matrix.data());
+    base.DrawTextW(text.data(), static_cast<std::int32_t>(text.size()));
+    base.EndTextObject();
+    base.NewPath();
+}
+
+TEST_P(JobAtLevel, TextInResidentFontsComesOut) {
+    using Mode = GRAPHICS::IGraphicsState::TTextRendering;
+    policy->SetInt(kLevelKey, GetParam());
+    const auto broker = MakeObject<TEST::FakeFontBroker>();
+    for (const char* name : {"Helvetica", "Times-Roman"}) {
+        broker->fonts.push_back(
+            MakeObject<TEST::ListedFont>(name, GRAPHICS::TFontType::kType1, false));
+    }
+    broker->fonts[1]->differences = {{1, "Euro"}, {'A', "germandbls"}};
+    Run(
+        [&broker](BaseConnectionSpace& base, IO::IDataProvider& output) {
+            base.Aggregate(broker.Get(), GRAPHICS::IID_IFONTBROKER);
+            GraphicsParameters& state = base.State().Current();
+            state.fontName = "Helvetica";
+            state.fontSize = 40;
+            Show(base, 100, 600, "A (B)");
+            state.charSpacing = 3;
+            state.wordSpacing = 8;
+            Show(base, 100, 500, "A (B)");
+            state.textRendering = Mode::kStroke;
+            Show(base, 100, 400, "A (B)");
+            state.charSpacing = 0;
+            state.wordSpacing = 0;
+            state.textRendering = Mode::kFillStroke;
+            base.SetLineWidth(3);
+            Show(base, 100, 300, "A (B)");
+            state.textRendering = Mode::kFill;
+            state.fontName = "Times-Roman";
+            Show(base, 100, 200, "A \x01 B");
+            state.textRendering = Mode::kClip;
+            base.SaveGraphicsState();
+            base.State().Current().fontSize = 200;
+            Show(base, 100, 40, "OO");
+            Rectangle(base, 0, 0, 100);
+            Rectangle(base, 100, 0, 150);
+            base.Fill();
+            base.NewPath();
+            base.RestoreGraphicsState();
+            const std::string_view end = "showpage\n";
+            output.Write(end.data(), end.size());
+        },
+        kGuard);
+    const auto reference = Create(Path("reference.ps"));
+    const std::string_view program =
+        "%!PS\n/Helvetica 40 selectfont 100 600 moveto (A \\(B\\)) show\n"
+        "100 500 moveto 8 0 32 3 0 (A \\(B\\)) awidthshow\n"
+        "100 400 moveto (A \\(B\\)) {1 string dup 0 4 -1 roll put dup ( ) eq {8} {0} ifelse exch\n"
+        "false charpath 3 add 0 rmoveto} forall stroke\n"
+        "100 300 moveto (A \\(B\\)) show 3 setlinewidth\n"
+        "100 300 moveto (A \\(B\\)) false charpath stroke\n"
+        "/Times-Roman 40 selectfont 100 200 moveto /germandbls glyphshow ( ) show /Euro glyphshow\n"
+        "( B) show /Times-Roman 200 selectfont 100 40 moveto (OO) true charpath clip newpath\n"
+        "100 0 150 150 rectfill showpage\n";
+    reference->Write(program.data(), program.size());
+    ASSERT_EQ(reference->Flush(), STATUS::kOk);
+    const auto drawn = TEST::DrawPages(Path("job.ps"), {});
+    const auto expected = TEST::DrawPages(Path("reference.ps"), {});
+    EXPECT_EQ(drawn.complaint, "");
+    EXPECT_EQ(expected.complaint, "");
+    ASSERT_EQ(drawn.pages.size(), 1U);
+    ASSERT_EQ(expected.pages.size(), 1U);
+    const TEST::PageDifference difference = TEST::Compare(drawn.pages[0], expected.pages[0]);
+    EXPECT_TRUE(difference.IsMatch()) << difference.Describe();
+    EXPECT_FALSE(expected.pages[0].IsBlank());
 }
 
 INSTANTIATE_TEST_SUITE_P(Levels, JobAtLevel, testing::Values(2, 3));

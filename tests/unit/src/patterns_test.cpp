@@ -8,9 +8,10 @@
 #include "gmock/gmock.h"
 #include "postscriptconnectionspace/postscriptconnectionspace.h"
 #include "postscriptconnectionspace/postscriptoutputcontext.h"
+#include "psfontbuilderfactory.h"
 #include "support/fakebaseconnectionspace.h"
 #include "support/fakedictionary.h"
-#include "support/fakegraphicsstate.h"
+#include "support/fakefonts.h"
 #include "support/fakekeyedproperties.h"
 #include "support/fakepatternspaces.h"
 #include "support/fakeraster.h"
@@ -35,7 +36,7 @@ class CellBase : public FakeBaseConnectionSpace {
 public:
     CellBase() { state = own.Get(); }
 
-    TInterfacePtr<FakeGraphicsState> own = MakeObject<FakeGraphicsState>();
+    TInterfacePtr<FakeTextState> own = MakeObject<FakeTextState>();
     GRAPHICS::IDelegateConnectionSpace* delegate = nullptr;
 
     Status Init(GRAPHICS::IDelegateConnectionSpace* to) override {
@@ -111,6 +112,18 @@ public:
         IClassFactory& factory, RENDERING::TDelegateType /*type*/,
         const IO::IDictionary* /*options*/) const override {
         return new ShadingDelegate(factory, 0);
+    }
+};
+
+/// Makes no builders: resident fonts need none.
+class PlainBuilderFactory : public TObject<PS::IPSFontBuilderFactory> {
+public:
+    GRAPHICS::IFontBuilder* CreatePSFontBuilder(IClassFactory& /*factory*/,
+                                                GRAPHICS::IFontPackageHandler* /*handler*/,
+                                                IO::IPacketDataProvider& /*packet*/,
+                                                const char* /*name*/,
+                                                PS::TPSFontType /*type*/) override {
+        return nullptr;
     }
 };
 
@@ -451,7 +464,9 @@ TEST_F(Patterns, LongPathsAreCutAndWhatIsLeftOpenIsClosed) {
         in.delegate->MoveTo(3, 3);
     };
     Cover(7, tile);
-    EXPECT_EQ(Count(Drawn(), "}exec\n{"), 3U);
+    const std::string text = Drawn();
+    EXPECT_EQ(Count(text, "}exec\n{"), 2U);
+    EXPECT_EQ(Count(text, "}exec\n%%BeginTextObject\n{"), 1U);
     EXPECT_EQ(At(12, 12), kRed);
 }
 
@@ -468,6 +483,41 @@ TEST_F(Patterns, LongCellsAreCutIntoProceduresThatAnInterpreterTakes) {
     const std::string text = Drawn();
     EXPECT_GT(Count(text, "}exec\n{newpath"), 10U);
     EXPECT_EQ(At(12, 12), kRed);
+}
+
+TEST_F(Patterns, CellsShowTextInFontsOfTheDocument) {
+    const auto font = MakeObject<ListedFont>("Helvetica", GRAPHICS::TFontType::kType1, false);
+    const auto broker = MakeObject<FakeFontBroker>();
+    broker->fonts = {font};
+    factory->creators[GRAPHICS::IID_IBASECONNECTIONSPACE] = [broker] {
+        auto made = MakeObject<CellBase>();
+        made->Aggregate(broker.Get(), GRAPHICS::IID_IFONTBROKER);
+        return made.Detach();
+    };
+    factory->Offer<PlainBuilderFactory>(PS::CLSID_PSFONTBUILDERFACTORY);
+    Start();
+    tile->matrix = {5, 0, 0, 5, 0, 0};
+    cell->draw = [&](GRAPHICS::IConnectionSpace& to) {
+        CellBase& in = In(to);
+        in.Use("rgb "_cc, rgb, {1, 0, 0});
+        in.delegate->BeginTextObject();
+        in.delegate->SelectCurrentFont();
+        const float matrix[] = {1, 0, 0, 1, 0, 0};
+        const std::string letters(200, 'H');
+        for (int i = 0; i < 100; ++i) {
+            in.delegate->GetCurrentTextObject()->SetTextMatrix(matrix);
+            in.delegate->DrawTextW(letters.data(), 200);
+        }
+        in.delegate->EndTextObject();
+        in.delegate->NewPath();
+    };
+    Cover(7, tile);
+    const std::string text = Drawn();
+    EXPECT_EQ(Count(text, "}exec\n{"), 9U) << "no procedure is too long";
+    EXPECT_EQ(Count(text, "}exec\n%%EndTextObject\n"), 1U);
+    EXPECT_EQ(At(56, 10), kRed) << "the stem of a letter";
+    EXPECT_EQ(At(68, 5), kWhite);
+    EXPECT_EQ(log.Messages(), "");
 }
 
 TEST_F(Patterns, CellsThatPaintWithThemselvesComeToAnEnd) {
