@@ -113,7 +113,7 @@ float GraphicsState::GetTextLeading() const {
 }
 
 const char* GraphicsState::GetFontName() const {
-    return Current().fontName.c_str();
+    return Current().fontName;
 }
 
 std::int32_t GraphicsState::GetFontSelector() const {

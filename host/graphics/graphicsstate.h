@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstddef>
-#include <string>
 #include <vector>
 
 #include "core/color/iconnectioncolorspace.h"
@@ -41,7 +40,7 @@ struct GraphicsParameters {
     float wordSpacing = 0.0F;
     float horizontalScaling = 1.0F;
     float leading = 0.0F;
-    std::string fontName;
+    const char* fontName = "";  // borrowed of a font, which lives as long as the job
     std::int32_t fontSelector = 0;
     float fontSize = 0.0F;
     GRAPHICS::IGraphicsState::TTextRendering textRendering =

@@ -17,7 +17,7 @@ TEST(GraphicsState, GettersReadTheTopOfTheStack) {
     state->Current().fillAlpha = 0.5F;
     ASSERT_TRUE(state->Push());
     state->Current().fillAlpha = 0.25F;
-    state->Current().fontName = "A font name too long for a short string";
+    state->Current().fontName = "A font";
     EXPECT_EQ(state->GetAlpha(true), 0.25F);
     EXPECT_EQ(state->GetAlpha(false), 1.0F);
     ASSERT_TRUE(state->Pop());
