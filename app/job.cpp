@@ -206,11 +206,15 @@ DocumentSummary Job::Summarize() const {
         summary.height = std::max(summary.height, page.height);
     }
     summary.languageLevel = mOptions.policy.Int(KEY::kLanguageLevel, 3);
+    summary.binary = IsBinary();
+    return summary;
+}
+
+bool Job::IsBinary() const {
     // Without any encoding asked for, the plug-in takes ASCII base-85.
     const Policy& policy = mOptions.policy;
-    summary.binary = !policy.Bool(KEY::kAscii85Only) && !policy.Bool(IO::FILTER::kAscii85) &&
-                     (policy.Bool(IO::FILTER::kFlate) || policy.Bool(IO::FILTER::kRunLength));
-    return summary;
+    return !policy.Bool(KEY::kAscii85Only) && !policy.Bool(IO::FILTER::kAscii85) &&
+           (policy.Bool(IO::FILTER::kFlate) || policy.Bool(IO::FILTER::kRunLength));
 }
 
 ExitCode Job::WriteDocument(HOST::FileProvider& out) {
@@ -229,21 +233,35 @@ ExitCode Job::WriteDocument(HOST::FileProvider& out) {
         return Fail(ExitCode::kPlugin, "the plug-in could not begin the job");
     }
     frame.EndSetup();
-    PlayPages(*space, frame, out);
+    const ExitCode status = PlayPages(*space, frame, out);
     mCurrentPage = 0;
     frame.WriteTrailer();
     exporter->End();
-    return ExitCode::kDone;
+    return status;
 }
 
-void Job::PlayPages(HOST::BaseConnectionSpace& space, DscFrame& frame, HOST::FileProvider& out) {
+PDF::ReaderOptions Job::Reader() const {
     PDF::ReaderOptions reader;
     reader.languageLevel = mOptions.policy.Int(KEY::kLanguageLevel, 3);
     reader.intent = mOptions.intent;
     reader.box = mOptions.box;
     reader.embedProfiles = mOptions.policy.Bool(KEY::kEmbedProfiles);
     reader.keepsAlpha = mOptions.policy.Bool(KEY::kPdfmarkTransparency);
-    PDF::PagePlayer player(*mDocument, *mHost, space, reader, mDiagnostics);
+    reader.keepsHiddenText = mOptions.keepsHiddenText;
+    reader.fonts = mOptions.fonts;
+    reader.fonts.languageLevel = reader.languageLevel;
+    reader.fonts.trueType = mOptions.policy.Bool(KEY::kTrueType, reader.languageLevel == 3);
+    reader.fonts.textOnly = !IsBinary();
+    return reader;
+}
+
+ExitCode Job::PlayPages(HOST::BaseConnectionSpace& space, DscFrame& frame,
+                        HOST::FileProvider& out) {
+    PDF::PagePlayer player(*mDocument, *mHost, space, Reader(), mDiagnostics);
+    std::string error;
+    if (!player.CollectFonts(mPages, error)) {
+        return Fail(ExitCode::kInput, mOptions.input + ": " + error);
+    }
     // Nothing more reaches a full disk or a closed pipe.
     for (std::size_t i = 0; i < mPages.size() && out.FirstError() == 0; ++i) {
         const auto start = Clock::now();
@@ -259,6 +277,8 @@ void Job::PlayPages(HOST::BaseConnectionSpace& space, DscFrame& frame, HOST::Fil
     }
     mConsole.ClearProgress();
     mRun.colorSpaces = player.ColorSpaceNames();
+    mRun.fonts = player.FontRecords();
+    return ExitCode::kDone;
 }
 
 ExitCode Job::WriteReport() {

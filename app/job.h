@@ -53,7 +53,9 @@ private:
     ExitCode FailOutput(const std::string& path, const std::string& reason);
     ExitCode Finish(HOST::FileProvider& out, const std::string& path);
     ExitCode WriteDocument(HOST::FileProvider& out);
-    void PlayPages(HOST::BaseConnectionSpace& space, DscFrame& frame, HOST::FileProvider& out);
+    ExitCode PlayPages(HOST::BaseConnectionSpace& space, DscFrame& frame, HOST::FileProvider& out);
+    [[nodiscard]] PDF::ReaderOptions Reader() const;
+    [[nodiscard]] bool IsBinary() const;
     [[nodiscard]] DocumentSummary Summarize() const;
     [[nodiscard]] PDF::PageGeometry Geometry(std::size_t position) const;
     void TakeLogEntry(const HOST::LogEntry& entry);

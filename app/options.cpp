@@ -26,6 +26,9 @@ struct RawOptions {
     bool promoteGray = false;
     bool softMasks = false;
     bool noTrueType = false;
+    std::vector<std::string> fonts;
+    std::string missingFonts = "substitute";
+    std::string hiddenText = "drop";
 };
 
 template <class T>
@@ -44,6 +47,13 @@ constexpr std::array<Choice<COLOR::TRenderingIntent>, 4> kIntents{
      {"relative", COLOR::TRenderingIntent::kRelativeColorimetric},
      {"saturation", COLOR::TRenderingIntent::kSaturation},
      {"perceptual", COLOR::TRenderingIntent::kPerceptual}}};
+
+constexpr std::array<Choice<PDF::MissingFonts>, 3> kMissingFonts{
+    {{"substitute", PDF::MissingFonts::kSubstitute},
+     {"resident", PDF::MissingFonts::kResident},
+     {"fail", PDF::MissingFonts::kFail}}};
+
+constexpr std::array<Choice<bool>, 2> kHiddenText{{{"drop", false}, {"keep", true}}};
 
 constexpr std::array<Choice<std::int32_t>, 3> kFilters{{{"ascii85", IO::FILTER::kAscii85},
                                                         {"flate", IO::FILTER::kFlate},
@@ -100,7 +110,6 @@ void DescribeOutput(CLI::App& app, RawOptions& raw) {
     app.add_flag("--embed-profiles", raw.embedProfiles, "Write ICC profiles as colour spaces");
     app.add_flag("--promote-gray", raw.promoteGray, "Write gray in the model's process colours");
     app.add_flag("--soft-masks", raw.softMasks, "Write soft masks even for opaque images");
-    app.add_flag("--no-truetype", raw.noTrueType, "No TrueType fonts (Type 42) in the output");
     app.add_option("--transparency", raw.transparency, "Transparency for distillers: off, pdfmark")
         ->check(CLI::IsMember(std::vector<std::string>{"off", "pdfmark"}));
     app.add_option("--encode", raw.encode,
@@ -114,6 +123,32 @@ void DescribeOutput(CLI::App& app, RawOptions& raw) {
         ->check(OneOf(kIntents));
     app.add_option("--policy", raw.policy, "KEY=VALUE: any option of the plug-in by its number")
         ->allow_extra_args(false);
+}
+
+void DescribeText(CLI::App& app, Options& options, RawOptions& raw) {
+    app.add_flag("--embed-standard-fonts", options.fonts.embedStandardFonts,
+                 "Download the standard 14 fonts too, where INPUT does not hold them");
+    app.add_flag("--no-truetype", raw.noTrueType, "No TrueType fonts (Type 42) in the output");
+    app.add_option("--hidden-text", raw.hiddenText, "Invisible text: drop, keep")
+        ->check(OneOf(kHiddenText));
+    app.add_option("--font", raw.fonts, "NAME=FILE: the file of a font that INPUT does not hold")
+        ->allow_extra_args(false);
+    app.add_option("--missing-fonts", raw.missingFonts,
+                   "Fonts that INPUT does not hold: substitute, resident, fail")
+        ->check(OneOf(kMissingFonts));
+}
+
+bool SetFonts(PDF::FontOptions& fonts, const RawOptions& raw, std::string& error) {
+    for (const std::string& assignment : raw.fonts) {
+        const std::size_t equals = assignment.find('=');
+        if (equals == 0 || equals == std::string::npos || equals + 1 == assignment.size()) {
+            error = "--font: \"" + assignment + "\" is not of the form NAME=FILE";
+            return false;
+        }
+        fonts.files[assignment.substr(0, equals)] = assignment.substr(equals + 1);
+    }
+    fonts.missing = Find(kMissingFonts, raw.missingFonts)->value;
+    return true;
 }
 
 bool SetFilters(Policy& policy, const RawOptions& raw, std::string& error) {
@@ -186,7 +221,8 @@ bool Complete(Options& options, RawOptions& raw, std::string& error) {
         error.insert(0, "--pages: ");
         return false;
     }
-    return SetPolicy(options.policy, raw, error);
+    options.keepsHiddenText = Find(kHiddenText, raw.hiddenText)->value;
+    return SetFonts(options.fonts, raw, error) && SetPolicy(options.policy, raw, error);
 }
 
 }  // namespace
@@ -197,6 +233,10 @@ std::string BoxName(PDF::PageBox box) {
 
 std::string IntentName(COLOR::TRenderingIntent intent) {
     return NameIn(kIntents, intent);
+}
+
+std::string MissingFontsName(PDF::MissingFonts missing) {
+    return NameIn(kMissingFonts, missing);
 }
 
 CommandLine ParseCommandLine(int argc, const char* const* argv, std::ostream& out,
@@ -210,6 +250,7 @@ CommandLine ParseCommandLine(int argc, const char* const* argv, std::ostream& ou
     RawOptions raw;
     DescribeFiles(app, options);
     DescribeOutput(app, raw);
+    DescribeText(app, options, raw);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& failure) {

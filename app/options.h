@@ -9,6 +9,7 @@
 #include "app/pagelist.h"
 #include "app/policy.h"
 #include "core/color/colorconversion.h"
+#include "pdf/fonts/fonts.h"
 #include "pdf/pdfdocument.h"
 
 namespace VANTIX::APP {
@@ -21,6 +22,9 @@ struct Options {
     PageList pages;
     PDF::PageBox box = PDF::PageBox::kCrop;
     std::optional<COLOR::TRenderingIntent> intent;
+    /// What the policy does not decide; the rest is filled in by the job.
+    PDF::FontOptions fonts;
+    bool keepsHiddenText = false;
     std::string password;
     std::string grayProfile;  ///< a file, or empty for the document's output intent
     std::string rgbProfile;
@@ -31,9 +35,10 @@ struct Options {
     bool verbose = false;
 };
 
-/// The words of the command line for a box and an intent.
+/// The words of the command line for a box, an intent, and what to do without a font.
 std::string BoxName(PDF::PageBox box);
 std::string IntentName(COLOR::TRenderingIntent intent);
+std::string MissingFontsName(PDF::MissingFonts missing);
 
 /// Options, or the status to end with because help was asked for or the usage was wrong.
 struct CommandLine {

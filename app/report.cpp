@@ -18,10 +18,28 @@ Json OptionsValue(const Options& options) {
     for (const auto& [key, value] : options.policy.Entries()) {
         std::visit([&, name = std::to_string(key)](auto held) { policy[name] = held; }, value);
     }
+    Json fonts = Json::array();
+    for (const auto& font : options.fonts.files) {
+        fonts.push_back(font.first);
+    }
     return {{"policy", std::move(policy)},
             {"pages", options.pages.Text()},
             {"box", BoxName(options.box)},
-            {"intent", options.intent ? Json(IntentName(*options.intent)) : Json(nullptr)}};
+            {"intent", options.intent ? Json(IntentName(*options.intent)) : Json(nullptr)},
+            {"hiddenText", options.keepsHiddenText ? "keep" : "drop"},
+            {"embedStandardFonts", options.fonts.embedStandardFonts},
+            {"missingFonts", MissingFontsName(options.fonts.missing)},
+            {"fonts", std::move(fonts)}};
+}
+
+Json FontValue(const PDF::FontRecord& font) {
+    return {{"name", font.name},
+            {"kind", font.kind},
+            {"kindOut", font.kindOut},
+            {"source", font.source},
+            {"substitute", font.substitute.empty() ? Json(nullptr) : Json(font.substitute)},
+            {"bytes", font.bytes},
+            {"extractable", font.isExtractable}};
 }
 
 Json PageValue(const PageRecord& page) {
@@ -50,11 +68,15 @@ std::string ReportAsJson(const Options& options, const RunRecord& run,
                    {"options", OptionsValue(options)},
                    {"bytes", run.bytes},
                    {"colorSpaces", run.colorSpaces},
+                   {"fonts", Json::array()},
                    {"pages", Json::array()},
                    {"warnings", Json::array()},
                    {"timings",
                     {{"openMilliseconds", run.openMilliseconds},
                      {"totalMilliseconds", run.totalMilliseconds}}}};
+    for (const PDF::FontRecord& font : run.fonts) {
+        report["fonts"].push_back(FontValue(font));
+    }
     for (const PageRecord& page : run.pages) {
         report["pages"].push_back(PageValue(page));
     }

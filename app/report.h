@@ -8,6 +8,7 @@
 
 #include "app/options.h"
 #include "pdf/diagnostics.h"
+#include "pdf/fonts/fonts.h"
 
 namespace VANTIX::APP {
 
@@ -26,6 +27,7 @@ struct RunRecord {
     std::vector<PageRecord> pages;
     std::uint64_t bytes = 0;
     std::set<std::string> colorSpaces;
+    std::vector<PDF::FontRecord> fonts;
     double openMilliseconds = 0;  ///< reading the document's structure
     double totalMilliseconds = 0;
 };
@@ -34,8 +36,8 @@ struct RunRecord {
 /// secrets.
 std::string OptionsAsJson(const Options& options);
 
-/// The whole report as a JSON text: version, options, pages, bytes, colour spaces, warnings and
-/// timings.
+/// The whole report as a JSON text: version, options, pages, bytes, colour spaces, fonts, warnings
+/// and timings.
 std::string ReportAsJson(const Options& options, const RunRecord& run,
                          const std::vector<PDF::Diagnostics::Warning>& warnings);
 

@@ -7,6 +7,7 @@
 #include "pdf/annotations.h"
 #include "pdf/colorspaces.h"
 #include "pdf/contentinterpreter.h"
+#include "pdf/fonts/fonts.h"
 #include "pdf/forms.h"
 #include "pdf/imagedata.h"
 #include "pdf/objects.h"
@@ -28,6 +29,7 @@ struct PagePlayer::Parts {
           forms(colorSpaces, reporter),
           shadings(colorSpaces, reporter),
           patterns(colorSpaces, shadings, forms, reporter),
+          fonts(theOptions.fonts, reporter),
           context{space,
                   colorSpaces,
                   optionalContent,
@@ -35,13 +37,16 @@ struct PagePlayer::Parts {
                   imageData,
                   shadings,
                   patterns,
+                  fonts,
                   openStreams,
                   reporter,
                   theOptions.intent,
                   theOptions.keepsAlpha,
-                  theOptions.languageLevel} {
+                  theOptions.languageLevel,
+                  theOptions.keepsHiddenText} {
         patterns.SetCellPlayer(
             [this](const PatternCell& cell, HOST::BaseConnectionSpace& recording) {
+                recording.Aggregate(&fonts.Broker(), GRAPHICS::IID_IFONTBROKER);
                 PlayContext inner = context.For(recording);
                 ContentInterpreter::PlayCell(inner, cell);
             });
@@ -61,6 +66,7 @@ struct PagePlayer::Parts {
     ImageDataReader imageData;
     Shadings shadings;
     Patterns patterns;
+    Fonts fonts;
     OpenStreams openStreams;
     PlayContext context;
 };
@@ -70,6 +76,17 @@ PagePlayer::PagePlayer(PdfDocument& document, HOST::Host& host, HOST::BaseConnec
     : mParts(std::make_unique<Parts>(document, host, space, options, diagnostics)) {}
 
 PagePlayer::~PagePlayer() = default;
+
+bool PagePlayer::CollectFonts(const std::vector<int>& pages, std::string& error) {
+    Fonts& fonts = mParts->fonts;
+    for (const int page : pages) {
+        mParts->reporter.SetPage(page + 1);
+        fonts.Collect(mParts->document, page);
+    }
+    mParts->reporter.SetPage(0);
+    mParts->context.space.Aggregate(&fonts.Broker(), GRAPHICS::IID_IFONTBROKER);
+    return fonts.Finish(error);
+}
 
 void PagePlayer::Play(int index) {
     mParts->reporter.SetPage(index + 1);
@@ -84,6 +101,10 @@ void PagePlayer::Play(int index) {
 
 const std::set<std::string>& PagePlayer::ColorSpaceNames() const {
     return mParts->colorSpaces.UsedNames();
+}
+
+const std::vector<FontRecord>& PagePlayer::FontRecords() const {
+    return mParts->fonts.Records();
 }
 
 // The streams of an array make one content: operators may go on from one to the next.

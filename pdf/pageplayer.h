@@ -6,11 +6,13 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "core/color/colorconversion.h"
 #include "host/graphics/baseconnectionspace.h"
 #include "host/host.h"
 #include "pdf/diagnostics.h"
+#include "pdf/fonts/fonts.h"
 #include "pdf/pdfdocument.h"
 
 namespace VANTIX::PDF {
@@ -25,6 +27,9 @@ struct ReaderOptions {
     bool embedProfiles = false;
     /// Policy key 101: images keep their soft masks.
     bool keepsAlpha = false;
+    /// Invisible text goes out where nothing of it is seen; else it is dropped.
+    bool keepsHiddenText = false;
+    FontOptions fonts;
 };
 
 /// Plays pages of one document into a connection space. Keeps what is shared between pages (colour
@@ -39,6 +44,11 @@ public:
     PagePlayer(PagePlayer&&) = delete;
     PagePlayer& operator=(PagePlayer&&) = delete;
 
+    /// Makes the fonts of the pages (from 0) that are going to be played ready and gives them to
+    /// the space, which takes them all at once: to be called once, before the first page. False,
+    /// with the reason in `error`, when a missing font is to end the run.
+    bool CollectFonts(const std::vector<int>& pages, std::string& error);
+
     /// Draws page `index` (from 0) in a bracket of the graphics state: page matrix, initial page
     /// matrix, clip to the box, contents, annotations' appearances. Never throws; what cannot be
     /// drawn is reported and left out.
@@ -46,6 +56,9 @@ public:
 
     /// Kinds of colour spaces met so far ("DeviceCMYK", "ICCBased", "Separation Orange", …).
     [[nodiscard]] const std::set<std::string>& ColorSpaceNames() const;
+
+    /// What became of the fonts that were collected.
+    [[nodiscard]] const std::vector<FontRecord>& FontRecords() const;
 
 private:
     struct Parts;

@@ -9,6 +9,7 @@
 
 #include "host/fonts/fontbroker.h"
 #include "host/fonts/simplefont.h"
+#include "pdf/pdfdocument.h"
 #include "pdf/qpdfheaders.h"
 #include "pdf/reporter.h"
 
@@ -30,15 +31,17 @@ struct FontOptions {
     std::map<std::string, std::string> files;
     /// Output must be text: binary parts of font programs go out as hexadecimal digits.
     bool textOnly = true;
+    /// TrueType fonts may go out as Type 42.
+    bool trueType = true;
 };
 
 /// One font of the report.
 struct FontRecord {
-    std::string name;  ///< as the document has it
-    std::string kind;  ///< "Type1", "TrueType", …
-    std::string kindOut;
-    std::string source;  ///< "embedded", "substituted" or "resident"
-    std::string substitute;
+    std::string name;         ///< as the document has it
+    std::string kind;         ///< "Type1", "TrueType", …
+    std::string kindOut;      ///< "Type1" or "Type42"
+    std::string source;       ///< "embedded", "substituted" or "resident"
+    std::string substitute;   ///< the font that stands in or is resident
     std::uint64_t bytes = 0;  ///< of the program as it is handed over
     bool isExtractable = false;
 };
@@ -69,16 +72,17 @@ public:
     Fonts(Fonts&&) = delete;
     Fonts& operator=(Fonts&&) = delete;
 
-    /// Takes in the fonts of a page: of its resources, and those of forms, patterns, graphics
-    /// states and annotations' appearances below.
-    void Collect(QPDF& document, int page);
+    /// Takes in the fonts of a page (from 0): of its resources, and those of forms, patterns,
+    /// graphics states and annotations' appearances below. The document must outlive this object.
+    void Collect(PdfDocument& document, int page);
     /// Makes what was collected ready and fills the broker. False, with the reason in `error`, when
     /// a font is missing and that is to end the run.
     bool Finish(std::string& error);
 
     [[nodiscard]] HOST::FontBroker& Broker() const { return *mBroker; }
 
-    /// The font that a dictionary describes; null (after one warning) for none that can be shown.
+    /// The font that a dictionary describes; null (after one warning) for none that can be shown,
+    /// and for one of which nothing is. Valid as the collection is, after `Finish`.
     const Font* Find(const QPDFObjectHandle& dictionary);
 
     [[nodiscard]] const std::vector<FontRecord>& Records() const { return mRecords; }

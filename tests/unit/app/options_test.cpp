@@ -74,6 +74,26 @@ TEST(CommandLine, PolicyKeysGoLastAndLeaveTheFilesAlone) {
     EXPECT_EQ(options.policy.Entries().at(112), Policy::Value(std::uint8_t{7}));
 }
 
+TEST(CommandLine, FontsAreTheInterpretersWhereNothingIsSaid) {
+    const Options options = Accepted({"in.pdf"});
+    EXPECT_FALSE(options.fonts.embedStandardFonts);
+    EXPECT_EQ(options.fonts.missing, PDF::MissingFonts::kSubstitute);
+    EXPECT_FALSE(options.keepsHiddenText);
+    EXPECT_TRUE(options.policy.Bool(KEY::kTrueType));
+}
+
+TEST(CommandLine, FontsDoAsTheyAreTold) {
+    const Options options =
+        Accepted({"--embed-standard-fonts", "--no-truetype", "--hidden-text", "keep", "--font",
+                  "A,Bold=x=y.pfb", "--font", "B=z.ttf", "--missing-fonts", "fail", "in.pdf"});
+    EXPECT_TRUE(options.fonts.embedStandardFonts);
+    EXPECT_EQ(options.fonts.missing, PDF::MissingFonts::kFail);
+    EXPECT_THAT(options.fonts.files, testing::ElementsAre(testing::Pair("A,Bold", "x=y.pfb"),
+                                                          testing::Pair("B", "z.ttf")));
+    EXPECT_TRUE(options.keepsHiddenText);
+    EXPECT_FALSE(options.policy.Bool(KEY::kTrueType, true));
+}
+
 TEST(CommandLine, StandardOutputHasTwoNames) {
     EXPECT_EQ(Accepted({"in.pdf", "-"}).output, "-");
     EXPECT_EQ(Accepted({"in.pdf", "/dev/stdout"}).output, "-");
@@ -106,7 +126,10 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{{"--policy", "100", "a"}, "KEY=VALUE"}, Refusal{{"--policy", "102=1", "a"}, "102"},
         Refusal{{"--policy", "106=2", "a"}, "106"}, Refusal{{"--policy", "112=256", "a"}, "112"},
         Refusal{{"--policy", "103=4", "a"}, "103"}, Refusal{{"--report", "-", "a"}, "--report"},
-        Refusal{{"--report", "b.ps", "a", "b.ps"}, "--report"}));
+        Refusal{{"--report", "b.ps", "a", "b.ps"}, "--report"},
+        Refusal{{"--font", "x.ttf", "a"}, "NAME=FILE"}, Refusal{{"--font", "=x", "a"}, "--font"},
+        Refusal{{"--hidden-text", "show", "a"}, "--hidden-text"},
+        Refusal{{"--missing-fonts", "guess", "a"}, "--missing-fonts"}));
 
 INSTANTIATE_TEST_SUITE_P(NotBuilt, CommandLineRefusal,
                          testing::Values(Refusal{{"--color", "gray-100", "a"}, "--color gray-100 "},

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+#include "pdf/fonts/fontprograms.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+#include "host/fonts/glyphnames.h"
+#include "pdf/objects.h"
+
+namespace VANTIX::PDF {
+
+namespace {
+
+/// No font has more; what claims to is hostile.
+constexpr std::size_t kLargestProgram = std::size_t{64} << 20U;
+
+bool BeginsWith(const std::vector<std::uint8_t>& bytes, std::string_view start) {
+    return bytes.size() >= start.size() &&
+           std::equal(start.begin(), start.end(), bytes.begin(), [](char c, std::uint8_t byte) {
+               return static_cast<std::uint8_t>(c) == byte;
+           });
+}
+
+bool IsTrueType(const std::vector<std::uint8_t>& bytes) {
+    using namespace std::string_view_literals;
+    return BeginsWith(bytes, "\0\1\0\0"sv) || BeginsWith(bytes, "true") ||
+           BeginsWith(bytes, "ttcf");
+}
+
+bool IsCff(const std::vector<std::uint8_t>& bytes) {
+    using namespace std::string_view_literals;
+    return BeginsWith(bytes, "OTTO") || BeginsWith(bytes, "\1\0"sv);
+}
+
+}  // namespace
+
+std::size_t FontProgram::FileSize() const {
+    return type1 ? type1->FileSize() : (trueType ? trueType->FileSize() : 0);
+}
+
+std::shared_ptr<const HOST::SimpleProgram> FontProgram::Simple() const {
+    if (type1) {
+        return type1;
+    }
+    return trueType;
+}
+
+const FontProgram& FontPrograms::Embedded(const QPDFObjectHandle& stream, const std::string& name) {
+    const std::string key = QPDFObjectHandle(stream).getObjGen().unparse(' ');
+    const auto known = mPrograms.find(key);
+    if (known != mPrograms.end()) {
+        return known->second;
+    }
+    std::string data;
+    if (AppendStreamData(stream, data, kLargestProgram) == StreamResult::kTooLarge) {
+        data.clear();
+    }
+    return Open(key, {data.begin(), data.end()}, name);
+}
+
+const FontProgram& FontPrograms::Installed(const HOST::FoundFont& font) {
+    const auto known = mPrograms.find(font.path);
+    return known != mPrograms.end() ? known->second : Open(font.path, font.bytes, font.name);
+}
+
+const FontProgram& FontPrograms::Open(const std::string& key, std::vector<std::uint8_t> bytes,
+                                      const std::string& name) {
+    FontProgram program;
+    program.name = UniqueName(bytes, name);
+    program.isCff = IsCff(bytes);
+    if (bytes.empty()) {
+        program.problem = "its data cannot be read";
+    } else if (IsTrueType(bytes)) {
+        program.trueType = HOST::TrueTypeProgram::Open(std::move(bytes), program.problem);
+    } else if (program.isCff) {
+        program.problem = "fonts in CFF are not read yet";
+    } else {
+        program.type1 = HOST::Type1Program::Open(std::move(bytes), program.problem);
+    }
+    if (program.type1) {
+        program.type1->Rename(program.name);
+        program.type1->UseText(mTextOnly);
+    }
+    if (program.trueType) {
+        program.trueType->ExpectConversion(!mTrueType);
+    }
+    return mPrograms.emplace(key, std::move(program)).first->second;
+}
+
+// A subset called Helvetica must not take the place of the interpreter's own font.
+std::string FontPrograms::UniqueName(const std::vector<std::uint8_t>& bytes,
+                                     const std::string& name) {
+    constexpr std::size_t kMaxBase = 80;
+    constexpr std::size_t kTag = 6;
+    constexpr std::uint64_t kLetters = 26;
+    constexpr std::uint64_t kBasis = 0xCBF29CE484222325U;  // FNV-1a
+    constexpr std::uint64_t kPrime = 0x100000001B3U;
+    std::uint64_t hash = kBasis;
+    for (const std::uint8_t byte : bytes) {
+        hash = (hash ^ byte) * kPrime;
+    }
+    const std::string base =
+        name.empty() ? "Font" : HOST::SanitiseGlyphName(name.substr(0, kMaxBase));
+    for (;; ++hash) {
+        std::string unique;
+        for (std::uint64_t rest = hash; unique.size() < kTag; rest /= kLetters) {
+            unique += static_cast<char>('A' + rest % kLetters);
+        }
+        unique += '+' + base;
+        if (mNames.insert(unique).second) {
+            return unique;
+        }
+    }
+}
+
+}  // namespace VANTIX::PDF

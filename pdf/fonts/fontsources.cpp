@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#include "pdf/fonts/fontsources.h"
+
+#include <optional>
+
+#include "host/fonts/standardfonts.h"
+
+namespace VANTIX::PDF {
+
+namespace {
+
+std::string Title(const FontDictionary& font) {
+    return font.name.empty() ? "Font without a name" : "Font " + font.name;
+}
+
+/// The standard font that is most like one that nobody has.
+std::string LikelyStandardFont(const FontDictionary& font) {
+    if (font.isSerif && !font.isFixedPitch) {
+        const char* const kTimes[] = {"Times-Roman", "Times-Bold", "Times-Italic",
+                                      "Times-BoldItalic"};
+        return kTimes[(font.isBold ? 1 : 0) + (font.isItalic ? 2 : 0)];
+    }
+    const char* const kStyles[] = {"", "-Bold", "-Oblique", "-BoldOblique"};
+    return (font.isFixedPitch ? "Courier" : "Helvetica") +
+           std::string(kStyles[(font.isBold ? 1 : 0) + (font.isItalic ? 2 : 0)]);
+}
+
+}  // namespace
+
+FontSource FontSources::Choose(const FontDictionary& font) {
+    FontSource source;
+    if (UseOwn(font, source) || UseFile(font, source)) {
+        return source;
+    }
+    const std::optional<std::string_view> standard = HOST::StandardFontOf(font.name);
+    if (standard && !mOptions.embedStandardFonts) {
+        source.name = source.standard = *standard;
+        return source;
+    }
+    if (!standard && mOptions.missing == MissingFonts::kFail) {
+        mMissing.insert(font.name);
+        return source;
+    }
+    if (!standard && mOptions.missing == MissingFonts::kResident && !font.name.empty()) {
+        mReporter.Warn("font-missing", Title(font) + " is not embedded: it has to be resident");
+        source.name = font.name;
+        return source;
+    }
+    if (!UseInstalled(font, source)) {
+        source.name = source.standard =
+            standard ? std::string(*standard) : LikelyStandardFont(font);
+        mReporter.Warn("font-missing",
+                       Title(font) + " is not embedded: " + source.name + " stands in");
+    }
+    return source;
+}
+
+std::string FontSources::Failure() const {
+    if (!mBadFile.empty() || mMissing.empty()) {
+        return mBadFile;
+    }
+    std::string text = "fonts are missing:";
+    for (const std::string& name : mMissing) {
+        text += ' ' + (name.empty() ? "(without a name)" : name);
+    }
+    return text;
+}
+
+bool FontSources::UseOwn(const FontDictionary& font, FontSource& source) {
+    if (!QPDFObjectHandle(font.program).isStream()) {
+        return false;
+    }
+    const FontProgram& program = mPrograms.Embedded(font.program, font.name);
+    if (!program.IsUsable()) {
+        mReporter.Warn(program.isCff ? "font-cff" : "font-damaged",
+                       Title(font) + " is not used as it is embedded: " + program.problem);
+        return false;
+    }
+    source.program = &program;
+    source.isEmbedded = true;
+    return true;
+}
+
+bool FontSources::UseFile(const FontDictionary& font, FontSource& source) {
+    auto file = mOptions.files.find(font.baseFont);
+    file = file == mOptions.files.end() ? mOptions.files.find(font.name) : file;
+    if (file == mOptions.files.end()) {
+        return false;
+    }
+    std::string problem;
+    const std::optional<HOST::FoundFont> found = HOST::ReadFontFile(file->second, problem);
+    if (found) {
+        const FontProgram& program = mPrograms.Installed(*found);
+        source.program = &program;
+        source.name = found->name;
+        problem = program.problem;
+    }
+    if (!found || !source.program->IsUsable()) {
+        mBadFile = "--font " + file->first + '=' + file->second + ": " + problem;
+        source = {};
+        return false;
+    }
+    return true;
+}
+
+bool FontSources::UseInstalled(const FontDictionary& font, FontSource& source) {
+    const std::optional<std::string_view> standard = HOST::StandardFontOf(font.name);
+    const std::optional<HOST::FoundFont> found = HOST::FindInstalledFont(
+        {standard ? std::string(*standard) : font.name, font.isSerif, font.isFixedPitch,
+         font.isItalic, font.isBold, font.symbols.isSymbolic && !font.symbols.isNonsymbolic});
+    const FontProgram* program = found ? &mPrograms.Installed(*found) : nullptr;
+    if (program == nullptr || !program->IsUsable()) {
+        return false;
+    }
+    source.program = program;
+    source.name = found->name;
+    if (standard) {
+        source.standard = *standard;
+    } else {
+        mReporter.Warn("font-missing",
+                       Title(font) + " is not embedded: " + source.name + " stands in");
+    }
+    return true;
+}
+
+}  // namespace VANTIX::PDF

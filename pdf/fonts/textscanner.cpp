@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+#include "pdf/fonts/textscanner.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "pdf/fonts/fontdictionary.h"
+#include "pdf/fonts/stringoperand.h"
+#include "pdf/forms.h"
+#include "pdf/objects.h"
+
+namespace VANTIX::PDF {
+
+namespace {
+
+constexpr std::size_t kWindow = std::size_t{256} << 10U;
+constexpr std::size_t kMaxSaved = std::size_t{1} << 20U;
+
+enum class TextOperator : std::uint8_t {
+    kNone,
+    kSave,
+    kRestore,
+    kState,
+    kFont,
+    kShow,
+    kDraw,
+    kPattern,
+    kInlineImage
+};
+
+TextOperator OperatorOf(std::string_view name) {
+    struct Entry {
+        std::string_view name;
+        TextOperator meaning;
+    };
+
+    static constexpr Entry kOperators[] = {
+        {"q", TextOperator::kSave},      {"Q", TextOperator::kRestore},
+        {"'", TextOperator::kShow},      {"\"", TextOperator::kShow},
+        {"Tj", TextOperator::kShow},     {"TJ", TextOperator::kShow},
+        {"Tf", TextOperator::kFont},     {"gs", TextOperator::kState},
+        {"Do", TextOperator::kDraw},     {"scn", TextOperator::kPattern},
+        {"SCN", TextOperator::kPattern}, {"ID", TextOperator::kInlineImage}};
+    for (const Entry& entry : kOperators) {
+        if (entry.name == name) {
+            return entry.meaning;
+        }
+    }
+    return TextOperator::kNone;
+}
+
+/// The last name among the operands, or nothing.
+std::string_view NameAmong(const std::vector<Operand>& operands) {
+    const auto found = std::find_if(operands.rbegin(), operands.rend(), [](const Operand& each) {
+        return each.kind == OperandKind::kName;
+    });
+    return found == operands.rend() ? std::string_view() : found->text;
+}
+
+class Nesting {
+public:
+    explicit Nesting(std::size_t& depth) : mDepth(depth) { ++mDepth; }
+
+    ~Nesting() { --mDepth; }
+
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+    Nesting(Nesting&&) = delete;
+    Nesting& operator=(Nesting&&) = delete;
+
+private:
+    std::size_t& mDepth;
+};
+
+QPDFObjectHandle Find(const QPDFObjectHandle& resources, const char* category,
+                      std::string_view name) {
+    return Get(Get(resources, category), "/" + DecodeName(name));
+}
+
+}  // namespace
+
+void TextScanner::ScanPage(QPDFObjectHandle contents, const QPDFObjectHandle& resources) {
+    Frame frame{resources, ++mResourcesIds, nullptr, {}, {}};
+    std::string pending;
+    const int count = contents.isArray() ? contents.getArrayNItems() : 1;
+    for (int i = 0; i < count; ++i) {
+        Add(frame, contents.isArray() ? contents.getArrayItem(i) : contents, pending);
+        pending += '\n';
+    }
+    Run(frame, pending, true);
+}
+
+void TextScanner::ScanForm(const QPDFObjectHandle& form, const QPDFObjectHandle& resources) {
+    Draw(Frame{resources, ++mResourcesIds, nullptr, {}, {}}, form, nullptr);
+}
+
+void TextScanner::Add(Frame& frame, const QPDFObjectHandle& stream, std::string& pending) {
+    std::size_t nextRun = pending.size() + kWindow;
+    const auto take = [&](std::string_view piece) {
+        pending += piece;
+        mRoom -= piece.size();
+        if (pending.size() >= nextRun) {
+            Run(frame, pending, false);
+            nextRun = kWindow + 2 * pending.size();
+        }
+    };
+    const StreamResult result = PipeContent(stream, std::min(mRoom, kLargestContent), take);
+    mIsComplete = mIsComplete && result != StreamResult::kTooLarge;
+}
+
+void TextScanner::Run(Frame& frame, std::string& pending, bool isComplete) {
+    ContentParser parser(pending, isComplete);
+    while (parser.Next()) {
+        try {
+            Execute(frame, parser);
+        } catch (const std::exception&) {
+            // The page, when it is played, reports what is damaged.
+            continue;
+        }
+    }
+    pending.erase(0, isComplete ? pending.size() : parser.Consumed());
+}
+
+void TextScanner::Execute(Frame& frame, ContentParser& parser) {
+    const std::vector<Operand>& operands = parser.Operands();
+    switch (OperatorOf(parser.Operator())) {
+        case TextOperator::kNone:
+            return;
+        case TextOperator::kSave:
+            mIsComplete = mIsComplete && frame.saved.size() < kMaxSaved;
+            if (mIsComplete) {
+                frame.saved.push_back(frame.font);
+            }
+            return;
+        case TextOperator::kRestore:
+            if (!frame.saved.empty()) {
+                frame.font = frame.saved.back();
+                frame.saved.pop_back();
+            }
+            return;
+        case TextOperator::kState:
+            return ApplyState(frame, NameAmong(operands));
+        case TextOperator::kFont:
+            return Select(frame, NameAmong(operands));
+        case TextOperator::kShow:
+            return Show(frame, operands);
+        case TextOperator::kDraw:
+            return Draw(frame, Find(frame.resources, "/XObject", NameAmong(operands)), frame.font);
+        case TextOperator::kPattern:
+            if (!operands.empty() && operands.back().kind == OperandKind::kName) {
+                Draw(frame, Find(frame.resources, "/Pattern", operands.back().text), nullptr);
+            }
+            return;
+        case TextOperator::kInlineImage:
+            parser.TakeInlineImage(0);
+            return;
+    }
+}
+
+void TextScanner::Show(Frame& frame, const std::vector<Operand>& operands) {
+    if (frame.font == nullptr) {
+        return;
+    }
+    std::string codes;
+    for (const Operand& operand : operands) {
+        AppendString(operand, codes);
+    }
+    for (const char code : codes) {
+        frame.font->set(static_cast<unsigned char>(code));
+    }
+}
+
+void TextScanner::Select(Frame& frame, std::string_view name) {
+    const auto known = frame.fonts.find(name);
+    if (known != frame.fonts.end()) {
+        frame.font = known->second;
+        return;
+    }
+    frame.font = SetOf(Find(frame.resources, "/Font", name));
+    frame.fonts.emplace(name, frame.font);
+}
+
+void TextScanner::ApplyState(Frame& frame, std::string_view name) {
+    const QPDFObjectHandle state = Find(frame.resources, "/ExtGState", name);
+    QPDFObjectHandle font = Get(state, "/Font");
+    if (font.isArray() && font.getArrayNItems() > 0) {
+        frame.font = SetOf(font.getArrayItem(0));
+    }
+    Draw(frame, Get(Get(state, "/SMask"), "/G"), nullptr);
+}
+
+CodeSet* TextScanner::SetOf(const QPDFObjectHandle& font) {
+    return QPDFObjectHandle(font).isDictionary() ? &mShown[FontKey(font)] : nullptr;
+}
+
+void TextScanner::Draw(const Frame& outer, const QPDFObjectHandle& stream, CodeSet* font) {
+    QPDFObjectHandle object = stream;
+    if (!object.isStream() || NameOf(Get(object, "/Subtype")) == "Image" || mDepth >= kMaxDepth) {
+        return;
+    }
+    QPDFObjectHandle resources = Get(object, "/Resources");
+    const bool hasOwn = resources.isDictionary();
+    Frame frame{hasOwn ? resources : outer.resources, hasOwn ? 0 : outer.resourcesId, font, {}, {}};
+    if (mDrawn.size() >= kMaxDrawn) {
+        mIsComplete = false;
+    } else if (mDrawn.emplace(object.getObjGen(), frame.resourcesId, font).second) {
+        // Numbered anew for what is drawn in it and has none of its own.
+        frame.resourcesId = hasOwn ? ++mResourcesIds : frame.resourcesId;
+        const Nesting nesting(mDepth);
+        std::string pending;
+        Add(frame, object, pending);
+        Run(frame, pending, true);
+    }
+}
+
+}  // namespace VANTIX::PDF

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <bitset>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <vector>
+
+#include "host/fonts/simplefont.h"
+#include "pdf/contentparser.h"
+#include "pdf/qpdfheaders.h"
+
+namespace VANTIX::PDF {
+
+using CodeSet = std::bitset<HOST::kSimpleCodes>;
+
+/// Reads content for its text alone: which codes are shown in which fonts. Takes in more than is
+/// printed rather than less: hidden content, patterns and soft masks that are only selected.
+class TextScanner {
+public:
+    /// Reads the content (a stream or an array of them) of a page.
+    void ScanPage(QPDFObjectHandle contents, const QPDFObjectHandle& resources);
+    /// Reads a form that is drawn with the resources of a page.
+    void ScanForm(const QPDFObjectHandle& form, const QPDFObjectHandle& resources);
+
+    /// False when content was too large to be read whole: nothing is known then of what is shown.
+    [[nodiscard]] bool IsComplete() const { return mIsComplete; }
+
+    /// By `FontKey`.
+    [[nodiscard]] const std::map<std::string, CodeSet>& Shown() const { return mShown; }
+
+private:
+    /// One stream of content, or several that make one.
+    struct Frame {
+        QPDFObjectHandle resources;
+        std::size_t resourcesId = 0;  ///< tells direct resource dictionaries apart
+        CodeSet* font = nullptr;
+        std::vector<CodeSet*> saved;
+        std::map<std::string, CodeSet*, std::less<>> fonts;  ///< by their names in the content
+    };
+
+    void Add(Frame& frame, const QPDFObjectHandle& stream, std::string& pending);
+    void Run(Frame& frame, std::string& pending, bool isComplete);
+    void Execute(Frame& frame, ContentParser& parser);
+    static void Show(Frame& frame, const std::vector<Operand>& operands);
+    void Select(Frame& frame, std::string_view name);
+    void ApplyState(Frame& frame, std::string_view name);
+    /// A form, or the cell of a pattern, where `stream` is one; `font` is current in it.
+    void Draw(const Frame& outer, const QPDFObjectHandle& stream, CodeSet* font);
+    CodeSet* SetOf(const QPDFObjectHandle& font);
+
+    static constexpr std::size_t kMaxDepth = 28;
+    static constexpr std::size_t kMaxDrawn = 200000;
+
+    std::map<std::string, CodeSet> mShown;
+    std::set<std::tuple<QPDFObjGen, std::size_t, const CodeSet*>> mDrawn;
+    std::size_t mDepth = 0;
+    std::size_t mResourcesIds = 0;
+    std::size_t mRoom = std::size_t{4} << 30U;  // bytes of all content
+    bool mIsComplete = true;
+};
+
+}  // namespace VANTIX::PDF
