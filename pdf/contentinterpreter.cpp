@@ -49,18 +49,20 @@ void ContentInterpreter::RestoreTo(std::size_t depth) {
 }
 
 ContentInterpreter::Player::Player(ContentInterpreter& interpreter, Resources& resources)
-    : mInterpreter(interpreter), mOuter(interpreter.mFrame) {
-    interpreter.mFrame = {nullptr, &resources, interpreter.mLevels.size(), 0, 0,
-                          0,       0,          interpreter.Top().matrix};
+    : mInterpreter(interpreter), mOuter(std::exchange(interpreter.mFrame, {})) {
+    interpreter.mFrame.resources = &resources;
+    interpreter.mFrame.floor = interpreter.mLevels.size();
+    interpreter.mFrame.matrix = interpreter.Top().matrix;
     interpreter.mPath.Clear();
     interpreter.mPendingClip = PendingClip::kNone;
 }
 
 ContentInterpreter::Player::~Player() {
+    mInterpreter.CloseTextObject();
     mInterpreter.RestoreTo(mInterpreter.mFrame.floor);
     mInterpreter.mPath.Clear();
     mInterpreter.mPendingClip = PendingClip::kNone;
-    mInterpreter.mFrame = mOuter;
+    mInterpreter.mFrame = std::move(mOuter);
 }
 
 void ContentInterpreter::Player::Add(std::string_view piece) {
@@ -143,13 +145,6 @@ std::optional<std::string_view> ContentInterpreter::LastName() {
 void ContentInterpreter::BadOperands() {
     mContext.reporter.Warn("bad-operator",
                            "Bad operands of " + std::string(mFrame.parser->Operator()));
-}
-
-template <const char* Kind, const char* Message>
-void ContentInterpreter::Skip(Numbers) {
-    if (!IsHidden()) {
-        mContext.reporter.Warn(Kind, Message);
-    }
 }
 
 }  // namespace VANTIX::PDF

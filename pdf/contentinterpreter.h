@@ -26,8 +26,11 @@
 #include "pdf/reporter.h"
 #include "pdf/resources.h"
 #include "pdf/shadings.h"
+#include "pdf/textstate.h"
 
 namespace VANTIX::PDF {
+
+class Fonts;
 
 /// What all content of a document is played with.
 struct PlayContext {
@@ -38,6 +41,7 @@ struct PlayContext {
     ImageDataReader& imageData;
     Shadings& shadings;
     Patterns& patterns;
+    Fonts& fonts;
     OpenStreams& openStreams;
     Reporter& reporter;
     /// Overrides the intents of the content.
@@ -45,11 +49,16 @@ struct PlayContext {
     /// The opacity of images goes on with them; else it is mixed with white paper.
     bool keepsAlpha = false;
     std::int32_t languageLevel = 3;
+    /// Invisible text goes out where nothing of it is seen; else it is dropped.
+    bool keepsHiddenText = false;
+    /// The space has been told to load the fonts; a recording finds those of its owner.
+    bool fontsAreLoaded = false;
 
     /// The same for content that goes into `recording`.
     [[nodiscard]] PlayContext For(HOST::BaseConnectionSpace& recording) const {
-        return {recording, colorSpaces, optionalContent, forms,  imageData,  shadings,
-                patterns,  openStreams, reporter,        intent, keepsAlpha, languageLevel};
+        return {recording, colorSpaces, optionalContent, forms,           imageData,
+                shadings,  patterns,    fonts,           openStreams,     reporter,
+                intent,    keepsAlpha,  languageLevel,   keepsHiddenText, true};
     }
 };
 
@@ -67,6 +76,7 @@ class ContentInterpreter {
         std::size_t hiddenDepth = 0;                     // the one that hides content, or 0
         std::size_t compatibility = 0;                   // open BX
         std::array<double, 6> matrix{1, 0, 0, 1, 0, 0};  // of its own space
+        TextObject text;
     };
 
 public:
@@ -172,6 +182,8 @@ private:
         std::shared_ptr<Pattern> fillPattern;  // where the space is that of patterns
         std::shared_ptr<Pattern> strokePattern;
         LineState line;
+        TextState text;
+        SelectedFont selectedFont;  // as the connection space has it
     };
 
     void Execute(ContentParser& parser);
@@ -193,9 +205,6 @@ private:
     void RestoreTo(std::size_t depth);
 
     void Ignore(Numbers) {}
-
-    template <const char* Kind, const char* Message>
-    void Skip(Numbers);
 
     // contentinterpreter_graphics.cpp
     void SaveLevel(Numbers);
@@ -290,6 +299,40 @@ private:
     void EndCompatibility(Numbers);
     bool EnterGroup(const Form& form);
 
+    // contentinterpreter_text.cpp
+    void BeginText(Numbers);
+    void EndText(Numbers);
+
+    template <float TextState::*Member>
+    void TextNumber(Numbers v) {
+        Top().text.*Member = v[0];
+    }
+
+    void HorizontalScaling(Numbers v);
+    void RenderingMode(Numbers v);
+    void SelectFont(Numbers);
+    void MoveLine(Numbers v);
+    void MoveLineWithLeading(Numbers v);
+    void NextLine(Numbers);
+    void TextMatrix(Numbers v);
+    void ShowString(Numbers);
+    void ShowStringOnNextLine(Numbers);
+    void ShowStringWithSpacing(Numbers);
+    void ShowStrings(Numbers);
+    void SetFont(const QPDFObjectHandle& dictionary, float size);
+    void MoveLineBy(double x, double y);
+    void CloseTextObject();
+    void ClipToText();
+    std::optional<TextRendering> VisibleRendering();
+    bool MayPaintText(bool fill);
+    /// Shows a string in the modes of the state and goes on behind it.
+    void Show(std::string_view codes);
+    void ShowInvisible(std::string_view codes);
+    void ShowPieces(std::string_view codes, std::optional<TextRendering> rendering);
+    bool IsNear(double along);
+    void KeepForClip(const TextPlace& place, std::string_view codes);
+    void DrawText(const TextPlace& place, std::string_view codes, TextRendering rendering);
+
     // contentinterpreter_image.cpp
     /// An image that is drawn in bands, clipped by boxes in a grid of its own.
     struct Banded {
@@ -330,6 +373,7 @@ private:
     PendingClip mPendingClip = PendingClip::kNone;
     std::array<float, 6> mNumbers{};
     std::vector<float> mValues;
+    std::string mCodes;
     const PatternCell* mCell = nullptr;  // that this plays
 };
 

@@ -37,6 +37,14 @@ struct ContentInterpreter::Settings {
         interpreter.SetDash(NumbersOf(pair.getArrayItem(0), 512), ToFloat(phase));
     }
 
+    static void Font(CI& interpreter, Value value) {
+        QPDFObjectHandle pair = value;
+        if (pair.isArray() && pair.getArrayNItems() == 2) {
+            interpreter.SetFont(pair.getArrayItem(0),
+                                ToFloat(NumberOf(pair.getArrayItem(1)).value_or(0.0)));
+        }
+    }
+
     static void Intent(CI& interpreter, Value value) { interpreter.SetIntent(NameOf(value)); }
 
     template <float HOST::GraphicsParameters::*Alpha>
@@ -70,7 +78,7 @@ struct ContentInterpreter::Settings {
     static void SoftMask(CI& interpreter, Value value);
     static void Transfer(CI& interpreter, Value value);
 
-    static const std::array<Entry, 23> kEntries;  // ascending by key
+    static const std::array<Entry, 24> kEntries;  // ascending by key
 };
 
 void ContentInterpreter::Settings::BlendMode(CI& interpreter, Value value) {
@@ -128,7 +136,7 @@ void ContentInterpreter::Settings::Transfer(CI& interpreter, Value value) {
     }
 }
 
-const std::array<ContentInterpreter::Settings::Entry, 23> ContentInterpreter::Settings::kEntries = {
+const std::array<ContentInterpreter::Settings::Entry, 24> ContentInterpreter::Settings::kEntries = {
     {
         {"/AIS", &SetFlag<&HOST::GraphicsParameters::alphaIsShape>},
         {"/BG", &Transfer},
@@ -137,6 +145,7 @@ const std::array<ContentInterpreter::Settings::Entry, 23> ContentInterpreter::Se
         {"/CA", &SetAlpha<&HOST::GraphicsParameters::strokeAlpha>},
         {"/D", &Dash},
         {"/FL", &Number<&CI::Flatness>},
+        {"/Font", &Font},
         {"/HT", &Transfer},
         {"/LC", &Number<&CI::LineCap>},
         {"/LJ", &Number<&CI::LineJoin>},

@@ -20,9 +20,6 @@ struct Operators {
         void (CI::*handler)(const float*);
     };
 
-    static constexpr char kText[] = "text";
-    static constexpr char kTextMessage[] = "Text is left out";
-
     static constexpr auto kEntries = std::to_array<Entry>({
         // Graphics state
         {"q", 0, &CI::SaveLevel},
@@ -83,23 +80,23 @@ struct Operators {
         {"BX", 0, &CI::BeginCompatibility},
         {"EX", 0, &CI::EndCompatibility},
         // Text
-        {"BT", 0, &CI::Ignore},
-        {"ET", 0, &CI::Ignore},
-        {"Tc", 0, &CI::Ignore},
-        {"Tw", 0, &CI::Ignore},
-        {"Tz", 0, &CI::Ignore},
-        {"TL", 0, &CI::Ignore},
-        {"Tf", 0, &CI::Ignore},
-        {"Tr", 0, &CI::Ignore},
-        {"Ts", 0, &CI::Ignore},
-        {"Td", 0, &CI::Ignore},
-        {"TD", 0, &CI::Ignore},
-        {"Tm", 0, &CI::Ignore},
-        {"T*", 0, &CI::Ignore},
-        {"Tj", 0, &CI::Skip<kText, kTextMessage>},
-        {"TJ", 0, &CI::Skip<kText, kTextMessage>},
-        {"'", 0, &CI::Skip<kText, kTextMessage>},
-        {"\"", 0, &CI::Skip<kText, kTextMessage>},
+        {"BT", 0, &CI::BeginText},
+        {"ET", 0, &CI::EndText},
+        {"Tc", 1, &CI::TextNumber<&TextState::charSpacing>},
+        {"Tw", 1, &CI::TextNumber<&TextState::wordSpacing>},
+        {"Tz", 1, &CI::HorizontalScaling},
+        {"TL", 1, &CI::TextNumber<&TextState::leading>},
+        {"Tf", 0, &CI::SelectFont},
+        {"Tr", 1, &CI::RenderingMode},
+        {"Ts", 1, &CI::TextNumber<&TextState::rise>},
+        {"Td", 2, &CI::MoveLine},
+        {"TD", 2, &CI::MoveLineWithLeading},
+        {"Tm", 6, &CI::TextMatrix},
+        {"T*", 0, &CI::NextLine},
+        {"Tj", 0, &CI::ShowString},
+        {"TJ", 0, &CI::ShowStrings},
+        {"'", 0, &CI::ShowStringOnNextLine},
+        {"\"", 0, &CI::ShowStringWithSpacing},
         // Type 3 glyph descriptions, which mean nothing elsewhere
         {"d0", 0, &CI::Ignore},
         {"d1", 0, &CI::Ignore},

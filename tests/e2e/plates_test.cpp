@@ -81,7 +81,7 @@ TEST(Plates, OfAnotherInkStayEmptyUnderANoneSeparation) {
     }
 }
 
-/// The lowest rows of the press sheet; 320 of them have neither text nor shadings.
+/// The lowest rows of the press sheet, which are 595.
 PageImage Part(const PageImage& plate, std::size_t rows) {
     PageImage part{720, rows, 1, {}};
     for (std::size_t y = plate.height - part.height; y < plate.height; ++y) {
@@ -103,10 +103,10 @@ TEST(Example, PressSheetComesApartIntoItsInks) {
         const Plates plates = ConvertedPlates(sheet, {"--color", model});
         ASSERT_EQ(Names(plates), inks);
         for (const auto& [name, plate] : plates) {
-            const PageImage part = Part(plate, 320);
+            const PageImage part = Part(plate, 595);
             EXPECT_FALSE(part.IsBlank()) << name;
             const PageDifference difference =
-                Compare(part, Part(reference.pages.front().at(name), 320));
+                Compare(part, Part(reference.pages.front().at(name), 595));
             EXPECT_TRUE(difference.IsMatch()) << name << ": " << difference.Describe();
         }
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <initializer_list>
@@ -11,7 +12,9 @@
 #include "core/color/iconnectioncolorspace.h"
 #include "core/color/ipatterncolorspaces.h"
 #include "core/graphics/irastercomponent.h"
+#include "core/graphics/itextobject.h"
 #include "core/graphics/pluginhelper/delegateconnectionspace.h"
+#include "core/object/tobject.h"
 
 namespace VANTIX::TESTS {
 
@@ -77,6 +80,52 @@ public:
 
     void SaveInitialPageMatrix() override { Write("initialmatrix", {}); }
 
+    /// "font Helvetica 12 1 0 0 1": name, size and the linear part of the text matrix. A matrix
+    /// with another linear part selects the font, too.
+    void SelectCurrentFont() override {
+        calls += std::string("font ") + mGraphicsState->GetFontName();
+        std::vector<float> numbers = {mGraphicsState->GetFontSize(), 1, 0, 0, 1};
+        if (!mTexts.empty()) {
+            std::copy_n(mTexts.back()->linear.begin(), 4, numbers.begin() + 1);
+        }
+        Write("", numbers.data(), 5);
+    }
+
+    bool BeginTextObject() override {
+        mTexts.push_back(MakeObject<Text>(*this));
+        Write("text", {});
+        return true;
+    }
+
+    bool EndTextObject() override {
+        mTexts.pop_back();
+        const auto mode = mGraphicsState->GetTextRendering();
+        Write(mode == GRAPHICS::IGraphicsState::TTextRendering::kClip ? "endtext clip" : "endtext",
+              {});
+        return true;
+    }
+
+    GRAPHICS::ITextObject* GetCurrentTextObject() const override {
+        return mTexts.empty() ? nullptr : mTexts.back().Get();
+    }
+
+    /// "show0 (abc) char 1 word 2": the rendering mode, the string, and spacing where there is any.
+    void DrawTextW(const void* text, std::int32_t length) override {
+        const auto mode = static_cast<int>(mGraphicsState->GetTextRendering());
+        calls += "show" + std::to_string(mode) + " (" +
+                 std::string(static_cast<const char*>(text), static_cast<std::size_t>(length)) +
+                 ")\n";
+        const auto tell = [this](const char* name, float spacing) {
+            if (spacing != 0.0F) {
+                calls.pop_back();
+                Write(name, {spacing});
+            }
+        };
+        tell(" char", mGraphicsState->GetCharSpacing());
+        tell(" word", mGraphicsState->GetWordSpacing());
+        tell(" scaled", mGraphicsState->GetHorizontalScaling() - 1.0F);
+    }
+
     /// "image rgb 2x1x8 ff00 80ff 0000": the planes in hexadecimal, lines parted by strokes. The
     /// palette of an Indexed space stands in angles; extra channels follow under their types.
     void DrawImage(GRAPHICS::IRasterComponent* raster, float x, float y, float width,
@@ -124,6 +173,37 @@ public:
     }
 
 private:
+    struct Text : TObject<GRAPHICS::ITextObject> {
+        explicit Text(RecordingSpace& theSpace) : space(theSpace) {}
+
+        bool Reserved1() override { return true; }
+
+        bool Reserved2() override { return true; }
+
+        void ConcatTextMatrix(const float* /*matrix*/) override { space.Write("?concat", {}); }
+
+        void MoveText(float tx, float ty) override { space.Write("?move", {tx, ty}); }
+
+        void NextLine() override { space.Write("?nextline", {}); }
+
+        void AdvanceGlyph(float w0, float w1) override { space.Write("?glyph", {w0, w1}); }
+
+        void AdvanceText(float t) override { space.Write("?advance", {t}); }
+
+        void SetTextMatrix(const float matrix[6]) override {
+            if (!std::equal(linear.begin(), linear.end(), matrix)) {
+                std::copy_n(matrix, 4, linear.begin());
+                space.SelectCurrentFont();
+            }
+            space.Write("at", {matrix[4], matrix[5]});
+        }
+
+        GRAPHICS::IConnectionSpace* GetConnectionSpace() override { return &space; }
+
+        RecordingSpace& space;
+        std::array<float, 4> linear{1, 0, 0, 1};
+    };
+
     void Append(const char* name, const float* numbers, std::int32_t count) {
         calls += ' ';
         Write(name, numbers, count);
@@ -301,6 +381,7 @@ private:
     }
 
     std::vector<ResourceId> mShadingIds;
+    std::vector<TInterfacePtr<Text>> mTexts;
 };
 
 }  // namespace VANTIX::TESTS

@@ -68,18 +68,15 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Others, ContentOperators,
-    testing::Values(Case{"UnknownOperatorIsReportedOnce", "foo bar 0 0 m 9 9 l S",
-                         "move 0 0\nline 9 9\nstroke gray 0\nnewpath\n", "bad-operator "},
-                    Case{"CompatibilitySectionIsSilent", "BX foo EX EX", ""},
-                    Case{"LastOperandsCount", "7 7 1 2 m 3 3 l S",
-                         "move 1 2\nline 3 3\nstroke gray 0\nnewpath\n"},
-                    Case{"LaterKindsWarnOnce",
-                         "BT /F 1 Tf (a) Tj (b) ' ET "
-                         "/Pattern cs /P scn 0 0 9 9 re f 0 0 9 9 re B",
-                         "move 0 0\nline 9 0 9 9 0 9\nclose\nstroke gray 0\nnewpath\n",
-                         "text missing-resource "},
-                    Case{"MissingResourcesAreReported", "/X Do /X gs /X cs /X sh", "",
-                         "missing-resource "}),
+    testing::Values(
+        Case{"UnknownOperatorIsReportedOnce", "foo bar 0 0 m 9 9 l S",
+             "move 0 0\nline 9 9\nstroke gray 0\nnewpath\n", "bad-operator "},
+        Case{"CompatibilitySectionIsSilent", "BX foo EX EX", ""},
+        Case{"LastOperandsCount", "7 7 1 2 m 3 3 l S",
+             "move 1 2\nline 3 3\nstroke gray 0\nnewpath\n"},
+        Case{"PaintOfAMissingPatternIsLeftOut", "/Pattern cs /P scn 0 0 9 9 re f 0 0 9 9 re B",
+             "move 0 0\nline 9 0 9 9 0 9\nclose\nstroke gray 0\nnewpath\n", "missing-resource "},
+        Case{"MissingResourcesAreReported", "/X Do /X gs /X cs /X sh", "", "missing-resource "}),
     [](const auto& param) { return std::string(param.param.name); });
 
 TEST(ContentInterpreter, LevelsBeyondTheHostsStackStayInStep) {

@@ -31,6 +31,7 @@ public:
         if (document) {
             player =
                 std::make_unique<PDF::PagePlayer>(*document, mHost, *mBase, options, diagnostics);
+            player->CollectFonts({0}, error);
         }
     }
 
