@@ -17,21 +17,22 @@ std::optional<unsigned> DigitOf(char c) {
 
 // A digit that is missing at the end is 0.
 void AppendHex(std::string_view text, std::string& bytes) {
-    std::optional<unsigned> high;
+    unsigned high = 0;
+    bool hasHigh = false;
     for (const char c : text) {
         const std::optional<unsigned> digit = DigitOf(c);
         if (!digit) {
             continue;
         }
-        if (high) {
-            bytes += static_cast<char>(*high << 4U | *digit);
-            high.reset();
+        if (hasHigh) {
+            bytes += static_cast<char>(high << 4U | *digit);
         } else {
-            high = digit;
+            high = *digit;
         }
+        hasHigh = !hasHigh;
     }
-    if (high) {
-        bytes += static_cast<char>(*high << 4U);
+    if (hasHigh) {
+        bytes += static_cast<char>(high << 4U);
     }
 }
 
