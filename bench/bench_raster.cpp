@@ -4,6 +4,7 @@
 
 #include "baseconnectionspacedelegate/samples.h"
 #include "core/graphics/irastercomponent.h"
+#include "grayscaleconnectionspacedelegate/graylines.h"
 #include "support.h"
 
 namespace VANTIX::BENCH {
@@ -67,6 +68,22 @@ void PackLine(benchmark::State& state) {
 }
 
 BENCHMARK(PackLine);
+
+/// Red, green and blue into gray image data; bytes are those of the samples, of as many bits as the
+/// argument says.
+void GrayOfRgbLine(benchmark::State& state) {
+    const auto bits = static_cast<std::int32_t>(state.range(0));
+    const std::vector<std::uint8_t> plane(2 * kWidth, 0x5A);
+    RENDERING::InterleavedLine::Planes planes{plane.data(), plane.data(), plane.data()};
+    RENDERING::GrayLine line(kWidth, bits);
+    for ([[maybe_unused]] auto _ : state) {
+        benchmark::DoNotOptimize(line.OfRGB(planes));
+        benchmark::ClobberMemory();
+    }
+    state.SetBytesProcessed(state.iterations() * std::int64_t{3} * kWidth * bits / 8);
+}
+
+BENCHMARK(GrayOfRgbLine)->Arg(8)->Arg(16);
 
 }  // namespace
 }  // namespace VANTIX::BENCH

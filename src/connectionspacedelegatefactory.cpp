@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "connectionspacedelegatefactory.h"
 
+#include <algorithm>
+
 #include "asiscompositeconnectionspacedelegate/asiscompositeconnectionspacedelegate.h"
 #include "cmykcompositeconnectionspacedelegate/cmykcompositeconnectionspacedelegate.h"
 #include "core/color/iconnectioncolorspacefactory.h"
 #include "core/io/idictionary.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "devicenconnectionspacedelegate/devicenconnectionspacedelegate.h"
+#include "grayscaleconnectionspacedelegate/grayscaleconnectionspacedelegate.h"
 #include "postscriptconnectionspace/policykeys.h"
+#include "rgbcompositeconnectionspacedelegate/rgbcompositeconnectionspacedelegate.h"
 
 namespace VANTIX::RENDERING {
 
@@ -42,35 +46,59 @@ std::uint32_t ReadOptions(const IO::IDictionary* options) {
     return level == 2 ? word | DELEGATEOPTION::kLevel2 : word;
 }
 
-/// Whether the model is one that this build has no delegate for.
-bool IsMissing(TDelegateType type) {
-    return type >= TDelegateType::kDeviceGray && type <= TDelegateType::kManagedRGB;
-}
+using SpacePtr = TInterfacePtr<COLOR::IConnectionColorSpace>;
 
-/// A delegate on DeviceCMYK.
-IConnectionSpaceDelegate* CreateInkDelegate(IClassFactory& factory, TDelegateType type,
-                                            COLOR::IConnectionColorSpace* cmyk,
-                                            std::uint32_t options) {
+/// The space that the model's colours are converted into; null for the models that convert none.
+SpacePtr MakeDestination(COLOR::IConnectionColorSpaceFactory& spaces, TDelegateType type) {
+    constexpr float kWhite[] = {0.9642F, 1.0F, 0.8249F};
+    constexpr float kBlack[] = {0, 0, 0};
     switch (type) {
+        case TDelegateType::kDeviceGray:
+        case TDelegateType::kManagedGray:
+        case TDelegateType::kGray100:
+            return SpacePtr::Adopt(spaces.CreateDeviceGrayColorSpace());
+        case TDelegateType::kCalibratedGray:
+            return SpacePtr::Adopt(spaces.CreateCalibratedGrayColorSpace(kWhite, kBlack, 1.0F));
+        case TDelegateType::kRGB:
+        case TDelegateType::kManagedRGB:
+            return SpacePtr::Adopt(spaces.CreateDeviceRGBColorSpace());
         case TDelegateType::kCMYK:
-            return new CMYKCompositeConnectionSpaceDelegate(
-                factory, cmyk, options | DELEGATEOPTION::kConvertSpotsToProcess);
         case TDelegateType::kManagedCMYK:
-            return new ColorManagedCMYKCompositeConnectionSpaceDelegate(
-                factory, cmyk, options | DELEGATEOPTION::kConvertSpotsToProcess);
         case TDelegateType::kDeviceN:
-            return CreateDeviceNConnectionSpaceDelegate(factory, cmyk, options);
         case TDelegateType::kManagedDeviceN:
-            return CreateColorManagedDeviceNConnectionSpaceDelegate(factory, cmyk, options);
+            return SpacePtr::Adopt(spaces.CreateDeviceCMYKColorSpace());
         default:
             return nullptr;
     }
 }
 
-bool IsInkModel(TDelegateType type) {
-    return type == TDelegateType::kCMYK || type == TDelegateType::kManagedCMYK ||
-           type == TDelegateType::kDeviceN || type == TDelegateType::kManagedDeviceN;
+template <class Delegate>
+IConnectionSpaceDelegate* MakeProcess(IClassFactory& factory,
+                                      COLOR::IConnectionColorSpace* destination,
+                                      std::uint32_t options) {
+    return new Delegate(factory, destination, options | DELEGATEOPTION::kConvertSpotsToProcess);
 }
+
+/// How the models that convert colours are made.
+struct Maker {
+    TDelegateType type;
+    IConnectionSpaceDelegate* (*make)(IClassFactory& factory,
+                                      COLOR::IConnectionColorSpace* destination,
+                                      std::uint32_t options);
+};
+
+constexpr Maker kMakers[] = {
+    {TDelegateType::kDeviceGray, MakeProcess<DeviceGrayConnectionSpaceDelegate>},
+    {TDelegateType::kManagedGray, MakeProcess<ColorManagedDeviceGrayConnectionSpaceDelegate>},
+    {TDelegateType::kGray100, MakeProcess<Grayscale100ConnectionSpaceDelegate>},
+    {TDelegateType::kCalibratedGray, MakeProcess<CalibratedGrayConnectionSpaceDelegate>},
+    {TDelegateType::kRGB, MakeProcess<RGBCompositeConnectionSpaceDelegate>},
+    {TDelegateType::kManagedRGB, MakeProcess<ColorManagedRGBCompositeConnectionSpaceDelegate>},
+    {TDelegateType::kCMYK, MakeProcess<CMYKCompositeConnectionSpaceDelegate>},
+    {TDelegateType::kManagedCMYK, MakeProcess<ColorManagedCMYKCompositeConnectionSpaceDelegate>},
+    {TDelegateType::kDeviceN, CreateDeviceNConnectionSpaceDelegate},
+    {TDelegateType::kManagedDeviceN, CreateColorManagedDeviceNConnectionSpaceDelegate},
+};
 
 }  // namespace
 
@@ -87,15 +115,10 @@ IConnectionSpaceDelegate* ConnectionSpaceDelegateFactory::CreateConnectionSpaceD
         LogError(kModule) << "Could not create a color space factory.";
         return nullptr;
     }
-    if (IsMissing(type)) {
-        LogError(kModule) << "There is no delegate of type " << static_cast<std::int32_t>(type)
-                          << ".";
-        return nullptr;
-    }
-    if (IsInkModel(type)) {
-        const auto cmyk = TInterfacePtr<COLOR::IConnectionColorSpace>::Adopt(
-            spaces->CreateDeviceCMYKColorSpace());
-        return CreateInkDelegate(factory, type, cmyk.Get(), word);
+    const auto* const maker = std::find_if(std::begin(kMakers), std::end(kMakers),
+                                           [type](const Maker& each) { return each.type == type; });
+    if (maker != std::end(kMakers)) {
+        return maker->make(factory, MakeDestination(*spaces, type).Get(), word);
     }
     if (type == TDelegateType::kAsIsProcess || type == TDelegateType::kAsIsProcess2) {
         word |= DELEGATEOPTION::kConvertSpotsToProcess;

@@ -9,7 +9,7 @@ namespace VANTIX::RENDERING {
 /// Makes the delegate of an output colour model with the options of the policy dictionary.
 class ConnectionSpaceDelegateFactory : public TObject<IConnectionSpaceDelegateFactory> {
 public:
-    /// Null (logged) without a colour-space factory, or for a model that this build lacks.
+    /// Null (logged) without a colour-space factory.
     IConnectionSpaceDelegate* CreateConnectionSpaceDelegate(
         IClassFactory& factory, TDelegateType type, const IO::IDictionary* options) const override;
 };

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -113,6 +115,12 @@ protected:
     [[nodiscard]] std::optional<ColorValues> CurrentColor(
         bool fill, const COLOR::IConnectionColorSpace& space) const;
 
+    /// The host's connection colour (X Y Z) of a colour of `source` in host form. Nothing when the
+    /// host cannot.
+    static std::optional<std::array<float, 3>> ToConnectionColor(
+        const COLOR::IConnectionColorSpace& source, const float* values, std::int32_t count,
+        COLOR::TRenderingIntent intent);
+
     /// A colour of `source` converted by the host into one of `destination`, both in host form.
     /// Nothing when the host cannot.
     static std::optional<ColorValues> ConvertByHost(
@@ -156,8 +164,13 @@ protected:
     /// `shading` as one of the seven types; null (logged) when it is none of them.
     static TypedShading FindShading(COLOR::IConnectionColorSpace* shading);
 
-    /// Writes a shading (null: nothing) with its colours converted into the destination space.
-    void FillConverted(COLOR::IConnectionColorSpace* shading, bool paint);
+    using SpacePredicate = std::function<bool(COLOR::IConnectionColorSpace* space)>;
+
+    /// Writes a shading (null: nothing) with its colours converted into `destination`, unless it is
+    /// in a space of which `keeps` is true.
+    void FillConverted(COLOR::IConnectionColorSpace* shading,
+                       COLOR::IConnectionColorSpace* destination, bool paint,
+                       const SpacePredicate& keeps = nullptr);
 
     /// Lets the output context write the shading's dictionary with its colours converted into
     /// `destination` (null: kept); false when it did not complete it.
@@ -178,14 +191,14 @@ protected:
     /// The extra channels of type "SPOT" (borrowed).
     static SpotChannels FindSpotChannels(const GRAPHICS::IRasterComponent& raster);
 
-    using MissingPlaneLog = void (*)(std::int32_t line, std::size_t channel);
+    using MissingPlaneLog = std::function<void(std::int32_t line, std::size_t channel)>;
 
     /// Whether `WriteImageData` has something to write: false (logged) for a raster without
     /// primaries, with one that is there but has no data, or of a depth that is not supported. No
     /// image may be begun then.
     [[nodiscard]] static bool HasImageData(const GRAPHICS::IRasterComponent& raster,
                                            std::int32_t channels,
-                                           MissingPlaneLog logMissing = nullptr);
+                                           const MissingPlaneLog& logMissing = nullptr);
     /// The same of all primaries and all spot channels.
     [[nodiscard]] static bool HasImageData(const GRAPHICS::IRasterComponent& raster);
     /// Writes 1, 3 or 4 primaries, pixel-interleaved, as the data of the image just begun. Words
@@ -193,7 +206,7 @@ protected:
     /// words than the usual ones.
     void WriteImageData(GRAPHICS::IRasterComponent& raster, std::int32_t channels,
                         std::int32_t depth, std::int32_t width,
-                        MissingPlaneLog logMissing = nullptr);
+                        const MissingPlaneLog& logMissing = nullptr);
     /// Writes all primaries and all spot channels, pixel-interleaved; four primaries are
     /// complemented.
     void WriteImageData(GRAPHICS::IRasterComponent& raster);

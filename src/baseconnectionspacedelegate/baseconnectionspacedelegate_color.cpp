@@ -159,22 +159,29 @@ std::optional<ColorValues> BaseConnectionSpaceDelegate::CurrentColor(
     return color;
 }
 
-std::optional<ColorValues> BaseConnectionSpaceDelegate::ConvertByHost(
-    const IConnectionColorSpace& source, const IConnectionColorSpace& destination,
-    const float* values, std::int32_t count,
-    const std::pair<TRenderingIntent, TRenderingIntent>& intents) {
+std::optional<std::array<float, 3>> BaseConnectionSpaceDelegate::ToConnectionColor(
+    const IConnectionColorSpace& source, const float* values, std::int32_t count,
+    TRenderingIntent intent) {
     const std::int32_t from = source.GetComponentCount();
-    ColorValues result;
-    result.count = destination.GetComponentCount();
-    if (from > COLOR::kMaxComponents || result.count > COLOR::kMaxComponents) {
+    if (from > COLOR::kMaxComponents || values == nullptr) {
         return std::nullopt;
     }
     // A caller's colour may be shorter than the space wants.
     ColorValues whole;
     std::copy_n(values, std::clamp(count, 0, from), whole.values);
-    float pcs[3];
-    if (!source.ToPCS(whole.values, pcs, intents.first) ||
-        !destination.FromPCS(pcs, result.values, intents.second)) {
+    std::array<float, 3> pcs{};
+    return source.ToPCS(whole.values, pcs.data(), intent) ? std::optional(pcs) : std::nullopt;
+}
+
+std::optional<ColorValues> BaseConnectionSpaceDelegate::ConvertByHost(
+    const IConnectionColorSpace& source, const IConnectionColorSpace& destination,
+    const float* values, std::int32_t count,
+    const std::pair<TRenderingIntent, TRenderingIntent>& intents) {
+    ColorValues result;
+    result.count = destination.GetComponentCount();
+    const auto pcs = ToConnectionColor(source, values, count, intents.first);
+    if (result.count > COLOR::kMaxComponents || !pcs ||
+        !destination.FromPCS(pcs->data(), result.values, intents.second)) {
         return std::nullopt;
     }
     return result;
@@ -318,7 +325,9 @@ bool BaseConnectionSpaceDelegate::SetUncoloredPattern(const char* patternName,
     if (!mDestination || selectedTakesOne) {
         return color && out->SetPatternColor(patternName, underlying, color->values);
     }
-    if (color && color->count != mDestination->GetComponentCount()) {
+    const bool fits = color && color->count == mDestination->GetComponentCount() &&
+                      GetOwnFamily(underlying) == GetOwnFamily(mDestination.Get());
+    if (color && !fits) {
         color = ConvertByHost(*underlying, *mDestination, color->values, color->count,
                               RenderingIntents(TRenderingIntent::kPerceptual));
     }
@@ -413,12 +422,15 @@ bool BaseConnectionSpaceDelegate::WriteShadingDictionary(const TypedShading& sha
            shading.write(*out, shading.shading, destination, mLanguageLevel, paint, colourManaged);
 }
 
-void BaseConnectionSpaceDelegate::FillConverted(IConnectionColorSpace* shading, bool paint) {
+void BaseConnectionSpaceDelegate::FillConverted(IConnectionColorSpace* shading,
+                                                IConnectionColorSpace* destination, bool paint,
+                                                const SpacePredicate& keeps) {
     if (shading == nullptr) {
         return;
     }
     if (const TypedShading typed = FindShading(shading); typed.shading != nullptr) {
-        WriteShadingDictionary(typed, mDestination.Get(), paint, false);
+        const bool isKept = keeps && keeps(typed.shading->GetShadingSpace());
+        WriteShadingDictionary(typed, isKept ? nullptr : destination, paint, false);
     }
 }
 
@@ -426,7 +438,7 @@ void BaseConnectionSpaceDelegate::FillWithColorSpace(IConnectionColorSpace* shad
                                                      ResourceId /*id*/, float /*x*/, float /*y*/,
                                                      float /*width*/, float /*height*/,
                                                      bool paint) {
-    FillConverted(shading, paint);
+    FillConverted(shading, mDestination.Get(), paint);
 }
 
 }  // namespace VANTIX::RENDERING

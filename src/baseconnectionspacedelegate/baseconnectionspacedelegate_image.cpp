@@ -41,7 +41,7 @@ struct Channels {
     std::size_t complemented = 0;  ///< so many of them, from the first
     std::uint64_t absent = 0;      ///< bit i: channel i is marked absent
     std::uint8_t blank = 0;        ///< bytes of the channels without data
-    void (*logMissing)(std::int32_t line, std::size_t channel) = LogMissingChannelLine;
+    std::function<void(std::int32_t line, std::size_t channel)> logMissing = LogMissingChannelLine;
 
     /// Adds the channel; false (logged) when it has no data. `kind` is "primary" or "extra".
     bool Add(const IChannelDesc* channel, std::int32_t index, const char* kind) {
@@ -238,7 +238,8 @@ bool BaseConnectionSpaceDelegate::HasMaskChannel(const IRasterComponent& raster)
 }
 
 bool BaseConnectionSpaceDelegate::HasImageData(const IRasterComponent& raster,
-                                               std::int32_t channels, MissingPlaneLog logMissing) {
+                                               std::int32_t channels,
+                                               const MissingPlaneLog& logMissing) {
     Channels gathered;
     if (!GatherPrimaries(raster, channels, gathered)) {
         LogError(kModule) << "No Primary channel data.";
@@ -261,7 +262,7 @@ bool BaseConnectionSpaceDelegate::HasImageData(const IRasterComponent& raster) {
 
 void BaseConnectionSpaceDelegate::WriteImageData(IRasterComponent& raster, std::int32_t channels,
                                                  std::int32_t depth, std::int32_t width,
-                                                 MissingPlaneLog logMissing) {
+                                                 const MissingPlaneLog& logMissing) {
     PS::IPostScriptOutputContext* out = OutputContext();
     if (out == nullptr || (channels != 1 && channels != 3 && channels != 4)) {
         return;

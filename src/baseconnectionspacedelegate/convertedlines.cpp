@@ -86,13 +86,13 @@ bool ConvertedLines::IsReady(const char* module, const BufferMessage& planes,
     return fits;
 }
 
-bool ConvertedLines::Convert(std::int32_t y, Planes& planes) {
+Status ConvertedLines::Convert(std::int32_t y, Planes& planes) {
     std::array<const std::uint8_t*, kMostSources> sources{};
     std::array<std::uint8_t*, kMostPlanes> targets{};
     for (std::size_t i = 0; i < mSourceCount; ++i) {
         sources[i] = mChannels[i] == nullptr ? mBlank.Data() : mChannels[i]->GetLine(y);
         if (sources[i] == nullptr) {
-            return false;
+            return STATUS::kInvalidArgument;
         }
     }
     for (std::size_t i = 0; i < mPlaneCount; ++i) {
@@ -103,7 +103,7 @@ bool ConvertedLines::Convert(std::int32_t y, Planes& planes) {
     mLine.target = targets.data();
     mLine.pcs = mPcs.Data();
     mLine.alpha = mAlpha == nullptr ? nullptr : mAlpha->GetLine(y);
-    return mSource->ConvertLine(*mTarget, mLine) == STATUS::kOk;
+    return mSource->ConvertLine(*mTarget, mLine);
 }
 
 }  // namespace VANTIX::RENDERING

@@ -41,9 +41,9 @@ public:
     [[nodiscard]] bool IsReady(const char* module, const BufferMessage& planes,
                                const BufferMessage& pcs);
 
-    /// The planes of line `y`, valid until the next call; false when a channel has no such line or
-    /// the host fails.
-    bool Convert(std::int32_t y, Planes& planes);
+    /// The planes of line `y`, valid until the next call. 0, or the failing status of the host; 1
+    /// when a channel has no such line.
+    Status Convert(std::int32_t y, Planes& planes);
 
 private:
     static constexpr std::size_t kMostSources = COLOR::kMaxComponents;

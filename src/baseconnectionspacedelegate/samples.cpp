@@ -24,6 +24,17 @@ void StoreBytes(std::uint64_t bits, std::size_t count, std::uint8_t* out) {
 
 }  // namespace
 
+void UnpackToBytes(const std::uint8_t* line, std::int32_t bits, std::size_t count,
+                   std::uint8_t* out) {
+    const auto size = static_cast<std::size_t>(bits);
+    const unsigned most = (1U << size) - 1U;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t shift = 8 - size - i * size % 8;
+        const unsigned sample = static_cast<unsigned>(line[i * size / 8]) >> shift & most;
+        out[i] = static_cast<std::uint8_t>(sample * (255U / most));
+    }
+}
+
 void PackTo12Bits(const std::uint8_t* words, std::size_t count, std::uint8_t* out) {
     for (; count >= 4; count -= 4, words += 8, out += 6) {
         StoreBytes(FourSamples(words), 6, out);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <optional>
-
 #include "privatecmykcompositeconnectionspacedelegate/privatecmykcompositeconnectionspacedelegate.h"
 
 namespace VANTIX::RENDERING {
@@ -32,18 +30,11 @@ public:
                                                      COLOR::IConnectionColorSpace* destination,
                                                      std::uint32_t options);
 
-    void FillWithColorSpace(COLOR::IConnectionColorSpace* shading, ResourceId id, float x, float y,
-                            float width, float height, bool paint) override;
     bool SetColor(const float* values, std::int32_t count, bool fill) override;
     void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
                       float height) override;
     void InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
                                 float height, FourCC deviceKey) override;
-
-private:
-    /// Whether samples under `profile` are those of the output; nothing (logged) without an output
-    /// to compare with.
-    std::optional<bool> IsOutputProfile(COLOR::IProfileBasedConnectionColorSpace& profile);
 };
 
 }  // namespace VANTIX::RENDERING

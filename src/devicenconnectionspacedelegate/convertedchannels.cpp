@@ -29,7 +29,7 @@ public:
     /// Null when the line cannot be converted.
     const std::uint8_t* Plane(std::int32_t y, std::size_t plane) {
         if (y != mHeld) {
-            mHeld = mLines.Convert(y, mPlanes) ? y : -1;
+            mHeld = mLines.Convert(y, mPlanes) == STATUS::kOk ? y : -1;
         }
         return mHeld == -1 ? nullptr : mPlanes.at(plane);
     }

@@ -195,14 +195,9 @@ void DeviceNConnectionSpaceDelegate::FillWithColorSpace(IConnectionColorSpace* s
                                                         ResourceId /*id*/, float /*x*/, float /*y*/,
                                                         float /*width*/, float /*height*/,
                                                         bool paint) {
-    if (shading == nullptr) {
-        return;
-    }
-    if (const TypedShading typed = FindShading(shading); typed.shading != nullptr) {
-        IConnectionColorSpace* space = typed.shading->GetShadingSpace();
-        const bool isKept = IsSpotSpace(space) || DeviceFamily(space) == "cmyk"_cc;
-        WriteShadingDictionary(typed, isKept ? nullptr : mDestination.Get(), paint, false);
-    }
+    FillConverted(shading, mDestination.Get(), paint, [](IConnectionColorSpace* space) {
+        return IsSpotSpace(space) || DeviceFamily(space) == "cmyk"_cc;
+    });
 }
 
 ColorManagedDeviceNConnectionSpaceDelegate::ColorManagedDeviceNConnectionSpaceDelegate(

@@ -331,7 +331,7 @@ void DeviceNConnectionSpaceDelegate::InjectIndexedImage(
         return;
     }
     const bool isKept = AsDeviceN(base) != nullptr || IsSeparation(base);
-    const auto cmyk = isKept ? nullptr : MakeDeviceCMYK();
+    const auto cmyk = isKept ? nullptr : MakeDeviceSpace();
     if (isKept || cmyk) {
         InjectIndexedRaster(raster, x, y, width, height, indexed, cmyk.Get(),
                             BecomesImageMask(raster));
@@ -353,7 +353,7 @@ void DeviceNConnectionSpaceDelegate::InjectExpandedIndexedRasterWithSpot(
         LogError(kModule) << "LUT is invalid.";
         return;
     }
-    const auto cmyk = MakeDeviceCMYK();
+    const auto cmyk = MakeDeviceSpace();
     if (!cmyk) {
         LogError(kModule) << "Could not create a DeviceCMYKColorSpace.";
         return;

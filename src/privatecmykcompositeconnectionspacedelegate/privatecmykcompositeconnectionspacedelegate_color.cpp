@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "baseconnectionspacedelegate/spacekinds.h"
+#include <algorithm>
+
+#include "baseconnectionspacedelegate/palettes.h"
 #include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
+#include "postscriptdatastream/formattext.h"
 #include "privatecmykcompositeconnectionspacedelegate/privatecmykcompositeconnectionspacedelegate.h"
 
 namespace VANTIX::RENDERING {
@@ -13,23 +16,25 @@ using GRAPHICS::HELPER::GetOwnFamily;
 
 constexpr const char* kModule = "src/privatecmykcompositeconnectionspacedelegate";
 
+/// Black ink that has the luminance of a colour.
+void WriteBlack(const std::uint8_t* color, char* digits, std::size_t size) {
+    PS::FormatText(digits, size, "000000%02X",
+                   255 - BlackOf(color[0], color[1], color[2], color[3]));
+}
+
+constexpr ProcessModel kModel{"cmyk"_cc,
+                              kModule,
+                              "/DeviceCMYK",
+                              "[1 0 1 0 1 0 1 0]",
+                              &COLOR::IConnectionColorSpaceFactory::CreateDeviceCMYKColorSpace,
+                              "[/Indexed /DeviceCMYK 1 <000000FF 00000000>]\n",
+                              WriteBlack};
+
 }  // namespace
 
-void PrivateCMYKCompositeConnectionSpaceDelegate::Init(bool setDefaultColour) {
-    BaseConnectionSpaceDelegate::Init(setDefaultColour);
-    if (!setDefaultColour) {
-        return;
-    }
-    if (PS::IPostScriptOutputContext* out = OutputContext(); out != nullptr) {
-        out->SetDefaultColour("cmyk"_cc, false);
-    }
-}
-
-bool PrivateCMYKCompositeConnectionSpaceDelegate::SetColorSpace(IConnectionColorSpace* space,
-                                                                bool /*fill*/) {
-    const bool staysGray = GetOwnFamily(space) == "gray"_cc && !mPromoteGray;
-    return SetDeviceColorSpaceByKey(space, staysGray ? "gray"_cc : "cmyk"_cc);
-}
+PrivateCMYKCompositeConnectionSpaceDelegate::PrivateCMYKCompositeConnectionSpaceDelegate(
+    IClassFactory& factory, IConnectionColorSpace* destination, std::uint32_t options)
+    : ProcessConnectionSpaceDelegate(factory, destination, options, kModel) {}
 
 bool PrivateCMYKCompositeConnectionSpaceDelegate::SetUncoloredPattern(
     const char* patternName, IConnectionColorSpace* underlying, bool fill) {
@@ -39,31 +44,6 @@ bool PrivateCMYKCompositeConnectionSpaceDelegate::SetUncoloredPattern(
     }
     return mDestination &&
            BaseConnectionSpaceDelegate::SetUncoloredPattern(patternName, underlying, fill);
-}
-
-void PrivateCMYKCompositeConnectionSpaceDelegate::FillWithColorSpace(IConnectionColorSpace* shading,
-                                                                     ResourceId /*id*/, float /*x*/,
-                                                                     float /*y*/, float /*width*/,
-                                                                     float /*height*/, bool paint) {
-    if (shading == nullptr) {
-        return;
-    }
-    if (const TypedShading typed = FindShading(shading); typed.shading != nullptr) {
-        const auto* device = AsDevice(typed.shading->GetShadingSpace());
-        const bool isKept = device != nullptr && device->GetFamily() == "cmyk"_cc;
-        WriteShadingDictionary(typed, isKept ? nullptr : mDestination.Get(), paint, false);
-    }
-}
-
-bool PrivateCMYKCompositeConnectionSpaceDelegate::SetPlateSelection(IConnectionColorSpace* space,
-                                                                    const float* values) {
-    auto* separation = AsSeparation(space);
-    if (separation == nullptr ||
-        (!SetRegistrationSpace(separation) && !SetNoneColorSpace(separation))) {
-        return false;
-    }
-    OutputContext()->SetColor(values, 1);
-    return true;
 }
 
 bool PrivateCMYKCompositeConnectionSpaceDelegate::SetColor(const float* values, std::int32_t count,

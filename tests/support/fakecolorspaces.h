@@ -77,17 +77,16 @@ public:
 
     COLOR::IConnectionColorSpace* GetProfileForm() override { return profile.Get(); }
 
-    /// Lines pass through: the first three planes of 8 bits are the connection colour.
+    /// Lines pass through: the first three planes are the connection colour.
     Status LineToPCS(const std::uint8_t* const* planes, std::int32_t width, std::int32_t bits,
                      float* pcs, COLOR::TRenderingIntent) const override {
         for (std::int32_t i = 0; i < width * 3; ++i) {
             const std::int32_t plane = i % 3;
-            const std::int32_t x = i / 3;
             pcs[i] = plane < components && planes[plane] != nullptr
-                         ? static_cast<float>(planes[plane][x]) / 255.0F
+                         ? static_cast<float>(Word(planes[plane], i / 3, bits)) / 65535.0F
                          : 0.0F;
         }
-        return bits == 8 ? STATUS::kOk : STATUS::kNotSupported;
+        return bits >= 8 ? STATUS::kOk : STATUS::kNotSupported;
     }
 
     /// Lines that came with an opacity.

@@ -70,7 +70,10 @@ public:
         Note("SetNamedColorSpace ", name == lastName ? "last" : name);
     }
 
-    void SetCalibratedGrayColorSpace(float, float, float) override {}
+    void SetCalibratedGrayColorSpace(float x, float y, float z) override {
+        const float white[] = {x, y, z};
+        Note("SetCalibratedGrayColorSpace", Text(white, 3));
+    }
 
     void SetColorSpace(COLOR::IConnectionColorSpace* space,
                        COLOR::TRenderingIntent intent) override {
