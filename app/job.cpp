@@ -252,11 +252,15 @@ PDF::ReaderOptions Job::Reader() const {
     reader.fonts.languageLevel = reader.languageLevel;
     reader.fonts.trueType = mOptions.policy.Bool(KEY::kTrueType, reader.languageLevel == 3);
     reader.fonts.textOnly = !IsBinary();
+    reader.graysAsPalettes = mOptions.policy.TakesNoGrayBits();
     return reader;
 }
 
 ExitCode Job::PlayPages(HOST::BaseConnectionSpace& space, DscFrame& frame,
                         HOST::FileProvider& out) {
+    if (const std::string what = mOptions.policy.Shortcoming(); !what.empty()) {
+        mDiagnostics.Warn("color-model", what);
+    }
     PDF::PagePlayer player(*mDocument, *mHost, space, Reader(), mDiagnostics);
     std::string error;
     if (!player.CollectFonts(mPages, error)) {

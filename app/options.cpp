@@ -103,7 +103,8 @@ void DescribeOutput(CLI::App& app, RawOptions& raw) {
         ->check(CLI::IsMember(std::vector<int>{2, 3}));
     app.add_option("--color", raw.color,
                    "Colour model: as-is, as-is-process, cmyk, cmyk-managed, rgb, rgb-managed, "
-                   "gray, gray-managed, gray-100, gray-calibrated, devicen, devicen-managed")
+                   "gray, gray-managed, gray-100 (no images), gray-calibrated (no colours: all but "
+                   "images and shadings is black), devicen, devicen-managed")
         ->check([](const std::string& name) {
             return ColorModelNumber(name) != 0 ? std::string() : "there is no model " + name;
         });

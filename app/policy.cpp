@@ -66,16 +66,6 @@ struct Refused {
     std::string_view option;
 };
 
-/// What this version does not build yet.
-constexpr std::array<Refused, 6> kNotBuilt{{
-    {KEY::kColorModel, 1, "--color gray"},
-    {KEY::kColorModel, 2, "--color gray-managed"},
-    {KEY::kColorModel, 3, "--color gray-100"},
-    {KEY::kColorModel, 4, "--color gray-calibrated"},
-    {KEY::kColorModel, 5, "--color rgb"},
-    {KEY::kColorModel, 6, "--color rgb-managed"},
-}};
-
 /// What an interpreter of Language Level 2 does not know.
 constexpr std::array<Refused, 3> kNotInLevel2{{
     {KEY::kColorModel, 15, "--color devicen"},
@@ -160,21 +150,30 @@ std::int32_t Policy::Int(std::int32_t key, std::int32_t fallback) const {
 }
 
 std::string Policy::Refusal() const {
-    const auto find = [this](const auto& table) {
-        const auto* found = std::find_if(table.begin(), table.end(), [this](const Refused& each) {
-            return Int(each.key, 0) == each.value;
-        });
-        return found == table.end() ? std::string() : std::string(found->option);
-    };
-    if (const std::string option = find(kNotBuilt); !option.empty()) {
-        return option + " is not built yet";
+    if (Int(KEY::kLanguageLevel, 3) != 2) {
+        return {};
     }
-    if (Int(KEY::kLanguageLevel, 3) == 2) {
-        if (const std::string option = find(kNotInLevel2); !option.empty()) {
-            return option + " needs --level 3";
-        }
+    const auto* found =
+        std::find_if(kNotInLevel2.begin(), kNotInLevel2.end(),
+                     [this](const Refused& each) { return Int(each.key, 0) == each.value; });
+    return found == kNotInLevel2.end() ? std::string()
+                                       : std::string(found->option) + " needs --level 3";
+}
+
+std::string Policy::Shortcoming() const {
+    switch (Int(KEY::kColorModel, 0)) {
+        case 3:
+            return "--color gray-100 draws no images";
+        case 4:
+            return "--color gray-calibrated sets no colours: areas, lines and text come out black";
+        default:
+            return {};
     }
-    return {};
+}
+
+bool Policy::TakesNoGrayBits() const {
+    const std::int32_t model = Int(KEY::kColorModel, 0);
+    return model >= 1 && model <= 6;
 }
 
 void Policy::CopyTo(IO::IDictionary& dictionary) const {

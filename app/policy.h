@@ -43,6 +43,12 @@ public:
     /// Why these options cannot be served together or at all; empty when they can.
     [[nodiscard]] std::string Refusal() const;
 
+    /// What the colour model leaves out by its nature; empty for nothing.
+    [[nodiscard]] std::string Shortcoming() const;
+
+    /// Whether images in gray of less than 8 bits need a palette to come through whole.
+    [[nodiscard]] bool TakesNoGrayBits() const;
+
     void CopyTo(IO::IDictionary& dictionary) const;
 
     [[nodiscard]] const std::map<std::int32_t, Value>& Entries() const { return mEntries; }

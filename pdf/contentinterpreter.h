@@ -49,6 +49,8 @@ struct PlayContext {
     /// The opacity of images goes on with them; else it is mixed with white paper.
     bool keepsAlpha = false;
     std::int32_t languageLevel = 3;
+    /// Images in gray of less than 8 bits come with a palette.
+    bool graysAsPalettes = false;
     /// Invisible text goes out where nothing of it is seen; else it is dropped.
     bool keepsHiddenText = false;
     /// The space has been told to load the fonts; a recording finds those of its owner.
@@ -56,9 +58,9 @@ struct PlayContext {
 
     /// The same for content that goes into `recording`.
     [[nodiscard]] PlayContext For(HOST::BaseConnectionSpace& recording) const {
-        return {recording, colorSpaces, optionalContent, forms,           imageData,
-                shadings,  patterns,    fonts,           openStreams,     reporter,
-                intent,    keepsAlpha,  languageLevel,   keepsHiddenText, true};
+        return {recording,     colorSpaces,     optionalContent, forms,    imageData, shadings,
+                patterns,      fonts,           openStreams,     reporter, intent,    keepsAlpha,
+                languageLevel, graysAsPalettes, keepsHiddenText, true};
     }
 };
 

@@ -93,7 +93,8 @@ std::size_t LineBytesOf(const HOST::RasterFormat& format) {
 }  // namespace
 
 ImageContext ContentInterpreter::ContextOfImages() {
-    return {mContext.colorSpaces, mContext.imageData, mContext.reporter, State().intent};
+    return {mContext.colorSpaces, mContext.imageData, mContext.reporter, State().intent,
+            mContext.graysAsPalettes};
 }
 
 void ContentInterpreter::InlineImage(Numbers) {

@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "core/color/ispotcolorspaces.h"
+#include "core/graphics/pluginhelper/colorhelpers.h"
 
 namespace VANTIX::PDF {
 
@@ -20,6 +21,10 @@ const COLOR::IIndexedConnectionColorSpace* IndexedOf(const ColorSpaceEntry& entr
 
 bool IsLab(const ColorSpaceEntry& entry) {
     return entry.kind == ColorSpaceEntry::Kind::kSpace && entry.ranges[0].high > 1.0F;
+}
+
+bool IsGray(const ColorSpaceEntry& entry) {
+    return GRAPHICS::HELPER::GetOwnFamily(entry.space.Get()) == "gray"_cc;
 }
 
 bool IsSeparation(const ColorSpaceEntry& entry) {

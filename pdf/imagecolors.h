@@ -13,6 +13,9 @@ namespace VANTIX::PDF {
 /// Whether a space takes L a b: images in it are converted to RGB.
 bool IsLab(const ColorSpaceEntry& entry);
 
+/// Whether a space is gray of the device or of a profile.
+bool IsGray(const ColorSpaceEntry& entry);
+
 bool IsSeparation(const ColorSpaceEntry& entry);
 
 /// The space of the colours of an Indexed space's palette, as the host holds it.

@@ -275,10 +275,24 @@ PlanarImage Image::Planes(bool expand) {
     image.source = std::make_unique<SamplePlanes>(
         std::move(lines),
         SampleLayout{mFormat.width, bits, 0, converts ? PlainMaps(bits) : Maps(bits)}, Faults());
+    if (isKept && bits < 8 && mContext.graysAsPalettes && IsGray(*mSpace)) {
+        if (HOST::ColorSpacePtr palette = GrayPalette(bits)) {
+            image.format.space = std::move(palette);
+        }
+    }
     if (converts) {
         return Convert(std::move(image), *mSpace, mDecode);
     }
     return image;
+}
+
+HOST::ColorSpacePtr Image::GrayPalette(std::int32_t bits) const {
+    const unsigned most = (1U << static_cast<unsigned>(bits)) - 1U;
+    std::vector<std::uint8_t> table;
+    for (unsigned gray = 0; gray <= most; ++gray) {
+        table.push_back(static_cast<std::uint8_t>(gray * (255U / most)));
+    }
+    return mContext.colorSpaces.PaletteSpace(mSpace->space, std::move(table));
 }
 
 PlanarImage Image::IndexedPlanes(bool expand) {

@@ -42,6 +42,7 @@ struct ImageContext {
     ImageDataReader& data;
     Reporter& reporter;
     COLOR::TRenderingIntent intent = COLOR::TRenderingIntent::kRelativeColorimetric;
+    bool graysAsPalettes = false;  ///< gray of less than 8 bits comes as Indexed
 };
 
 /// One image of the document (PDF Reference, 4.8): its dictionary, checked, and its coded data. The
@@ -97,6 +98,8 @@ private:
 
     [[nodiscard]] std::vector<SampleMap> Maps(std::int32_t bits) const;
     [[nodiscard]] std::vector<SampleMap> PlainMaps(std::int32_t bits) const;
+    /// The palette of all grays of `bits` over the image's own space.
+    [[nodiscard]] HOST::ColorSpacePtr GrayPalette(std::int32_t bits) const;
     PlanarImage IndexedPlanes(bool expand);
     PlanarImage ResolvePalette(PlaneSourcePtr indices);
     PlanarImage Convert(PlanarImage image, const ColorSpaceEntry& entry,

@@ -43,6 +43,7 @@ struct PagePlayer::Parts {
                   theOptions.intent,
                   theOptions.keepsAlpha,
                   theOptions.languageLevel,
+                  theOptions.graysAsPalettes,
                   theOptions.keepsHiddenText} {
         patterns.SetCellPlayer(
             [this](const PatternCell& cell, HOST::BaseConnectionSpace& recording) {

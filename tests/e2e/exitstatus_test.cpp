@@ -40,7 +40,6 @@ INSTANTIATE_TEST_SUITE_P(
     All, FailingRuns,
     testing::Values(
         FailingRun{"UnknownOption", {"--nonsense", "IN", "OUT"}, kWrongUsage, "--nonsense"},
-        FailingRun{"ModelNotBuilt", {"--color", "rgb", "IN", "OUT"}, kWrongUsage, "--color rgb"},
         FailingRun{"PageNotThere", {"--pages", "999", "IN", "OUT"}, kWrongUsage, "page 999"},
         FailingRun{"SameFile", {"OUT", "OUT"}, kWrongUsage, "same file"},
         FailingRun{"NoProfile", {"--cmyk-profile", "IN", "IN", "OUT"}, kWrongUsage, "profile"},

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The colour models in process inks and spots, judged on plates.
+// The colour models, judged on plates, and those of light on pages.
 #include <gtest/gtest.h>
 #include <lcms2.h>
 
@@ -38,17 +38,34 @@ public:
         return path;
     }
 
-    /// The plates that the tool's output has with these options.
-    [[nodiscard]] Plates Separate(std::vector<std::string> options) const {
+    /// The tool's output with these options; what it said is then in `errors`.
+    [[nodiscard]] std::string Convert(std::vector<std::string> options) {
         SCOPED_TRACE(testing::PrintToString(options));
-        const std::string output = mFolder.File("sheet.ps");
+        std::string output = mFolder.File("sheet.ps");
         options.insert(options.end(), {mInput, output});
         const ChildResult run = RunTool(options);
         EXPECT_EQ(run.exitStatus, kDone) << run.errors;
-        auto drawn = DrawPlates(output, {});
+        errors = run.errors;
+        return output;
+    }
+
+    /// The plates that the tool's output has with these options.
+    [[nodiscard]] Plates Separate(const std::vector<std::string>& options) {
+        SCOPED_TRACE(testing::PrintToString(options));
+        auto drawn = DrawPlates(Convert(options), {});
         EXPECT_EQ(drawn.complaint, "");
         return drawn.pages.size() == 1 ? drawn.pages.front() : Plates{};
     }
+
+    /// The page that it draws.
+    [[nodiscard]] PageImage Draw(const std::vector<std::string>& options) {
+        SCOPED_TRACE(testing::PrintToString(options));
+        auto drawn = DrawPages(Convert(options), {});
+        EXPECT_EQ(drawn.complaint, "");
+        return drawn.pages.size() == 1 ? drawn.pages.front() : PageImage{};
+    }
+
+    std::string errors;
 
 private:
     TemporaryFolder mFolder;
@@ -72,7 +89,7 @@ TEST_P(UnconvertedImages, KeepTheirPlates) {
     const bool hasSpots = std::string_view(model).substr(0, 4) != "cmyk";
     Sheet sheet;
     ImageSheet(name).draw(sheet);
-    const Job job(sheet);
+    Job job(sheet);
     GhostscriptOptions options;
     options.spots = hasSpots;
     const auto reference = DrawPlates(job.Input(), options);
@@ -308,7 +325,7 @@ protected:
 };
 
 TEST_P(ConvertedImages, HaveTheInksOfTheColourLibrary) {
-    const Job job(mSheet);
+    Job job(mSheet);
     const Bytes press = PressProfile();
     const std::string file = job.Write("press.icc", press);
     for (const auto& [model, level] : {std::pair{"cmyk", "2"},
@@ -333,7 +350,7 @@ INSTANTIATE_TEST_SUITE_P(Spaces, ConvertedImages, testing::ValuesIn(kConverted),
 using ImagesByRule = ConvertedImages;
 
 TEST_P(ImagesByRule, HaveBlackForWhatTheInksShare) {
-    const Job job(mSheet);
+    Job job(mSheet);
     for (const char* model : {"cmyk", "cmyk-managed", "devicen", "devicen-managed"}) {
         SCOPED_TRACE(model);
         Check(job.Separate({"--color", model}), InksByRule, 1);
@@ -352,7 +369,7 @@ TEST(PromotedGray, IsBlackAloneInEveryModel) {
         sheet.Image("image", ImageEntries(ramps.back(), "/DeviceGray"), Packed(ramps.back()));
     }
     sheet.Draw("fill", "0.3 g 0 0 1 1 re f");
-    const Job job(sheet);
+    Job job(sheet);
     for (const char* model : {"cmyk", "cmyk-managed", "devicen", "devicen-managed"}) {
         SCOPED_TRACE(model);
         const Plates plates = job.Separate({"--color", model, "--promote-gray"});
@@ -365,31 +382,36 @@ TEST(PromotedGray, IsBlackAloneInEveryModel) {
     }
 }
 
+/// A share that no test needs.
+constexpr int kAny = -1;
+
 /// A colour that fills a cell, and what it leaves on the plates, in hundredths.
 struct Fill {
     const char* color;
     std::map<std::string, int> inks;         ///< in models with spots
     std::map<std::string, int> processInks;  ///< without
+    int gray = kAny;                         ///< black in gray models
 };
 
 /// Of colours that profiles change only those are told apart that they do not.
 const Fill kFills[] = {
-    {"0.3 g", {{"Black", 70}}, {{"Black", 70}}},
-    {"0 0 0 0.4 k", {{"Black", 40}}, {{"Black", 40}}},
+    {"0.3 g", {{"Black", 70}}, {{"Black", 70}}, 70},
+    {"0 0 0 0.4 k", {{"Black", 40}}, {{"Black", 40}}, 40},
     {"0.8 0 0.2 0.1 k",
      {{"Cyan", 80}, {"Yellow", 20}, {"Black", 10}},
      {{"Cyan", 80}, {"Yellow", 20}, {"Black", 10}}},
-    {"/Black cs 0.5 scn", {{"Black", 50}}, {{"Black", 50}}},
-    {"/BlackN cs 0.5 scn", {{"Black", 50}}, {{"Black", 50}}},
+    {"/Black cs 0.5 scn", {{"Black", 50}}, {{"Black", 50}}, 50},
+    {"/BlackN cs 0.5 scn", {{"Black", 50}}, {{"Black", 50}}, 50},
     {"/Orange cs 0.5 scn", {{"Orange", 50}}, {{"Magenta", 30}, {"Yellow", 50}}},
     {"/Rgb cs 0.5 scn", {{"Light", 50}}, {{"Magenta", 25}, {"Yellow", 50}}},
-    {"/None cs 1 scn", {}, {}},
+    {"/None cs 1 scn", {}, {}, 0},
     {"/Inks cs 0.4 0.6 scn",
      {{"Orange", 40}, {"Black", 60}},
      {{"Magenta", 24}, {"Yellow", 40}, {"Black", 60}}},
     {"/All cs 0.9 scn",
      {{"Cyan", 90}, {"Magenta", 90}, {"Yellow", 90}, {"Black", 90}, {"Orange", 90}, {"Light", 90}},
-     {{"Cyan", 90}, {"Magenta", 90}, {"Yellow", 90}, {"Black", 90}}},
+     {{"Cyan", 90}, {"Magenta", 90}, {"Yellow", 90}, {"Black", 90}},
+     90},
 };
 
 class Fills : public testing::TestWithParam<const char*> {
@@ -436,7 +458,7 @@ protected:
 TEST_P(Fills, StayOnTheirPlates) {
     const std::string model = GetParam();
     const bool hasSpots = model.substr(0, 4) != "cmyk";
-    const Job job(mSheet);
+    Job job(mSheet);
     const std::string profile = job.Write("press.icc", PressProfile());
     const Plates plates = job.Separate({"--color", model});
     const std::vector<std::string> names =
@@ -454,6 +476,131 @@ INSTANTIATE_TEST_SUITE_P(Models, Fills,
                          testing::Values("as-is", "cmyk", "cmyk-managed", "devicen",
                                          "devicen-managed"),
                          NameOfCase());
+
+using GrayFills = Fills;
+
+TEST_P(GrayFills, LeaveInkOnNoPlateButBlack) {
+    const std::string model = GetParam();
+    Job job(mSheet);
+    const Plates plates = job.Separate({"--color", model});
+    EXPECT_EQ(NamesOf(plates), (std::vector<std::string>{"Black", "Cyan", "Magenta", "Yellow"}));
+    for (std::size_t i = 0; i < std::size(kFills); ++i) {
+        SCOPED_TRACE(kFills[i].color);
+        const bool isRegistration = kFills[i].inks.size() > 4;
+        for (const auto& [ink, plate] : plates) {
+            const double share = (255.0 - Sheet::CellOf(plate, i).At(20, 20, 0)) / 2.55;
+            const bool isBlack = ink == "Black";
+            if (!isBlack && !isRegistration) {
+                EXPECT_EQ(share, 0) << ink;
+            } else if (isBlack && kFills[i].gray != kAny && model == "gray") {
+                EXPECT_NEAR(share, kFills[i].gray, 1);
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, GrayFills, testing::Values("gray", "gray-managed", "gray-100"),
+                         NameOfCase());
+
+/// Whether no plate but black has ink.
+bool IsGray(const Plates& plates) {
+    return std::all_of(plates.begin(), plates.end(), [](const auto& plate) {
+        return plate.first == "Black" || plate.second.IsBlank();
+    });
+}
+
+/// Whether no pixel has a hue, but for what an interpreter rounds in CIE-based colours.
+bool IsGray(const PageImage& page) {
+    constexpr int kMost = 2;
+    for (std::size_t i = 0; i + 2 < page.samples.size(); i += 3) {
+        const auto [least, greatest] =
+            std::minmax({page.samples[i], page.samples[i + 1], page.samples[i + 2]});
+        if (greatest - least > kMost) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void ExpectAllDrawn(const Sheet& sheet, const PageImage& page) {
+    for (std::size_t i = 0; i < sheet.Cells().size(); ++i) {
+        const Sheet::Cell& cell = sheet.Cells()[i];
+        EXPECT_TRUE(!Sheet::CellOf(page, i).IsBlank() || !cell.isJudged) << cell.name;
+    }
+}
+
+class LightSheets : public testing::TestWithParam<SheetCase> {};
+
+TEST_P(LightSheets, AreGrayInGrayModels) {
+    Sheet sheet;
+    GetParam().draw(sheet);
+    Job job(sheet);
+    for (const char* model : {"gray", "gray-managed"}) {
+        SCOPED_TRACE(model);
+        const Plates plates = job.Separate({"--color", model});
+        EXPECT_TRUE(IsGray(plates));
+        ExpectAllDrawn(sheet, plates.at("Black"));
+    }
+    const PageImage page = job.Draw({"--color", "gray-calibrated"});
+    EXPECT_TRUE(IsGray(page));
+    ExpectAllDrawn(sheet, page);
+}
+
+TEST_P(LightSheets, HoldNoInksInRgbModels) {
+    Sheet sheet;
+    GetParam().draw(sheet);
+    Job job(sheet);
+    for (const char* model : {"rgb", "rgb-managed"}) {
+        for (const char* level : {"2", "3"}) {
+            const std::vector<std::string> options{"--color", model, "--level", level};
+            EXPECT_FALSE(job.Draw(options).IsBlank());
+            const std::string text = ReadFile(job.Convert(options));
+            for (const char* ink : {"/DeviceCMYK", "/Separation (", "/DeviceN"}) {
+                const std::size_t at = text.find(ink);
+                EXPECT_EQ(at, std::string::npos)
+                    << text.substr(at == std::string::npos ? 0 : at, 80);
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sheets, LightSheets, testing::ValuesIn(ImageSheets()),
+                         [](const auto& one) { return std::string(one.param.name); });
+
+/// Sheets of light alone.
+class KeptLight : public testing::TestWithParam<const char*> {};
+
+TEST_P(KeptLight, LooksAsInThePdf) {
+    Sheet sheet;
+    ImageSheet(GetParam()).draw(sheet);
+    Job job(sheet);
+    const auto reference = DrawPages(job.Input(), {});
+    ASSERT_EQ(reference.pages.size(), 1U);
+    const bool isGray = std::string_view(GetParam()).find("Rgb") == std::string_view::npos;
+    for (const char* model : {"rgb", "rgb-managed", "gray", "gray-managed", "gray-calibrated"}) {
+        if (isGray || model[0] == 'r') {
+            SCOPED_TRACE(model);
+            CompareCells(sheet, job.Draw({"--color", model}), reference.pages.front());
+        }
+    }
+    SCOPED_TRACE("promoted");
+    CompareCells(sheet, job.Draw({"--color", "rgb", "--promote-gray"}), reference.pages.front());
+}
+
+INSTANTIATE_TEST_SUITE_P(Sheets, KeptLight,
+                         testing::Values("DeviceGray", "DeviceRgb", "IndexedGray", "IndexedRgb",
+                                         "Bilevel"),
+                         NameOfCase());
+
+TEST(ModelsWithGaps, AreToldOf) {
+    Sheet sheet;
+    sheet.Draw("fill", "1 0 0 rg 0 0 1 1 re f");
+    Job job(sheet);
+    for (const char* model : {"gray-100", "gray-calibrated"}) {
+        EXPECT_FALSE(job.Draw({"--color", model}).IsBlank());
+        EXPECT_NE(job.errors.find("warning: --color " + std::string(model)), std::string::npos);
+    }
+}
 
 }  // namespace
 }  // namespace VANTIX::TEST

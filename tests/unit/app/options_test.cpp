@@ -131,10 +131,6 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{{"--hidden-text", "show", "a"}, "--hidden-text"},
         Refusal{{"--missing-fonts", "guess", "a"}, "--missing-fonts"}));
 
-INSTANTIATE_TEST_SUITE_P(NotBuilt, CommandLineRefusal,
-                         testing::Values(Refusal{{"--color", "gray-100", "a"}, "--color gray-100 "},
-                                         Refusal{{"--policy", "100=5", "a"}, "--color rgb "}));
-
 TEST(CommandLine, HelpAndVersionAreNoErrors) {
     EXPECT_THAT(Parse({"--help"}).out, testing::HasSubstr("--color"));
     const Outcome version = Parse({"--version"});
