@@ -65,6 +65,13 @@ bool IsPlainName(std::string_view name) {
            });
 }
 
+std::string OneLine(std::string_view text) {
+    std::string line(text);
+    std::replace_if(
+        line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r' || c == '\f'; }, ' ');
+    return line;
+}
+
 std::string CreationTime() {
     using std::chrono::sys_days;
     constexpr std::array<const char*, 7> kDays = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
@@ -100,16 +107,16 @@ bool BaseFontEncodingFunctor::operator()(std::int32_t code, const char* name) {
     return true;
 }
 
-bool BaseFontBuilder::Init(GRAPHICS::IFontPackageHandler* handler, const char* name,
-                           IO::IPacketDataProvider& packet) {
+bool FontResourceBuilder::Begin(GRAPHICS::IFontPackageHandler* handler, const char* name,
+                                IO::IPacketDataProvider& packet, const Complaints& complaints) {
     if (handler == nullptr) {
-        LogError(kModule) << "Initializing FontBuilder with NULL canonical font?";
+        LogError(complaints.module) << complaints.noFont;
         return false;
     }
     mHandler = TInterfacePtr<GRAPHICS::IFontPackageHandler>(handler);
     mStream = TInterfacePtr<IPostScriptDataStream>::Adopt(CreatePostscriptDataStream(&packet));
     if (!mStream) {
-        LogError(kModule) << "Failed to create font stream for FontBuilder!";
+        LogError(complaints.module) << complaints.noStream;
         return false;
     }
     mName = EscapeFontName(name == nullptr ? handler->GetName() : name);
@@ -117,15 +124,15 @@ bool BaseFontBuilder::Init(GRAPHICS::IFontPackageHandler* handler, const char* n
     return true;
 }
 
-const char* BaseFontBuilder::GetFontName() const {
+const char* FontResourceBuilder::GetFontName() const {
     return mName.c_str();
 }
 
-IPostScriptDataStream* BaseFontBuilder::GetStream() {
+IPostScriptDataStream* FontResourceBuilder::GetStream() {
     return mStream.Get();
 }
 
-void BaseFontBuilder::Print(const char* format, ...) {
+void FontResourceBuilder::Print(const char* format, ...) {
     std::array<char, kMostText> text;
     std::va_list arguments;
     va_start(arguments, format);
@@ -134,8 +141,71 @@ void BaseFontBuilder::Print(const char* format, ...) {
     Stream() << text.data();
 }
 
-void BaseFontBuilder::WriteNameString(std::string_view name) {
+void FontResourceBuilder::WriteNameString(std::string_view name) {
     Stream().WriteString(EscapeFontName(name).c_str());
+}
+
+void FontResourceBuilder::BeginFontInfo() {
+    const GRAPHICS::IFontPackageHandler& font = *mHandler;
+    const auto writeString = [this](const char* key, const char* text, bool always) {
+        if (always || *text != '\0') {
+            Stream() << key;
+            Stream().WriteString(text) << " readonly def\n";
+        }
+    };
+    Stream() << "/FontInfo 9 dict dup begin\n";
+    writeString("/FamilyName ", font.GetFamilyName(), true);
+    writeString("/FullName ", font.GetFamilyName(), true);
+    writeString("/Notice ", font.GetNoticeString(), false);
+    Stream() << "/Weight (Regular) readonly def\n";
+    writeString("/version ", font.GetVersionString(), false);
+    Print(
+        "/ItalicAngle %g def\n/isFixedPitch %s def\n/UnderlinePosition %g def\n"
+        "/UnderlineThickness %g def\n",
+        static_cast<double>(font.GetItalicAngle()), font.IsFixedPitch() ? "true" : "false",
+        static_cast<double>(font.GetUnderlinePosition()),
+        static_cast<double>(font.GetUnderlineThickness()));
+}
+
+bool FontResourceBuilder::BeginEncoding(const GRAPHICS::IFontPackageHandler& handler) {
+    switch (handler.GetEncoding()) {
+        case GRAPHICS::TEncoding::kStandard:
+            Stream() << "/Encoding StandardEncoding ";
+            return false;
+        case GRAPHICS::TEncoding::kISOLatin1:
+            Stream() << "/Encoding ISOLatin1Encoding ";
+            return false;
+        default:
+            Stream() << "/Encoding 256 array\n"
+                     << "0 1 255 {1 index exch /.notdef put} for\n";
+            return true;
+    }
+}
+
+void FontResourceBuilder::BeginRedefinition(const char* source, const char* name) {
+    Stream() << "%%Re-defining font ";
+    WriteNameString(source);
+    Stream() << " as ";
+    WriteNameString(name);
+    Stream() << "\n";
+    WriteNameString(source);
+    Stream() << " cvn findfont dup length dict begin {1 index pop def} forall\n"
+             << "/FontName ";
+    WriteNameString(name);
+    Stream() << " cvn def\n";
+}
+
+void FontResourceBuilder::EndRedefinition(const char* name) {
+    Stream() << "currentdict end\n";
+    WriteNameString(name);
+    Stream() << " cvn exch definefont pop\n";
+}
+
+bool BaseFontBuilder::Init(GRAPHICS::IFontPackageHandler* handler, const char* name,
+                           IO::IPacketDataProvider& packet) {
+    return Begin(handler, name, packet,
+                 {kModule, "Initializing FontBuilder with NULL canonical font?",
+                  "Failed to create font stream for FontBuilder!"});
 }
 
 void BaseFontBuilder::WriteBeginResource() {
@@ -163,53 +233,23 @@ bool BaseFontBuilder::WriteFontDictionary() {
         return false;
     }
     Stream() << "/FontName ";
-    WriteNameString(mName);
+    WriteNameString(GetFontName());
     Stream() << " def\n";
-    WriteFontInfo();
-    WriteEncoding(*mHandler);
+    BeginFontInfo();
+    Stream() << "end readonly def\n";
+    WriteEncoding(*Handler());
     return WriteFontBBox() && WriteTypeSpecificEntries();
 }
 
-void BaseFontBuilder::WriteFontInfo() {
-    const GRAPHICS::IFontPackageHandler& font = *mHandler;
-    const auto writeString = [this](const char* key, const char* text, bool always) {
-        if (always || *text != '\0') {
-            Stream() << key;
-            Stream().WriteString(text) << " readonly def\n";
-        }
-    };
-    Stream() << "/FontInfo 9 dict dup begin\n";
-    writeString("/FamilyName ", font.GetFamilyName(), true);
-    writeString("/FullName ", font.GetFamilyName(), true);
-    writeString("/Notice ", font.GetNoticeString(), false);
-    Stream() << "/Weight (Regular) readonly def\n";
-    writeString("/version ", font.GetVersionString(), false);
-    Print(
-        "/ItalicAngle %g def\n/isFixedPitch %s def\n/UnderlinePosition %g def\n"
-        "/UnderlineThickness %g def\nend readonly def\n",
-        static_cast<double>(font.GetItalicAngle()), font.IsFixedPitch() ? "true" : "false",
-        static_cast<double>(font.GetUnderlinePosition()),
-        static_cast<double>(font.GetUnderlineThickness()));
-}
-
 void BaseFontBuilder::WriteEncoding(GRAPHICS::IFontPackageHandler& handler) {
-    switch (handler.GetEncoding()) {
-        case GRAPHICS::TEncoding::kStandard:
-            Stream() << "/Encoding StandardEncoding ";
-            break;
-        case GRAPHICS::TEncoding::kISOLatin1:
-            Stream() << "/Encoding ISOLatin1Encoding ";
-            break;
-        default:
-            Stream() << "/Encoding 256 array\n"
-                     << "0 1 255 {1 index exch /.notdef put} for\n";
-            SetEncodingDifferences(&handler);
+    if (BeginEncoding(handler)) {
+        SetEncodingDifferences(&handler);
     }
     Stream() << "readonly def\n";
 }
 
 void BaseFontBuilder::WriteHandlerMatrix() {
-    const float* matrix = mHandler->GetFontMatrix();
+    const float* matrix = Handler()->GetFontMatrix();
     if (matrix == nullptr) {
         Stream() << "/FontMatrix [1 0 0 1 0 0] def\n";
         return;
@@ -242,25 +282,6 @@ void BaseFontBuilder::WriteMemoryUse(std::span<const std::uint8_t> post) {
     if (!post.empty()) {
         Stream() << "%%VMusage: " << ReadU32(&post[kMinimum]) << ReadU32(&post[kMaximum]) << "\n";
     }
-}
-
-void BaseFontBuilder::BeginRedefinition(const char* source, const char* name) {
-    Stream() << "%%Re-defining font ";
-    WriteNameString(source);
-    Stream() << " as ";
-    WriteNameString(name);
-    Stream() << "\n";
-    WriteNameString(source);
-    Stream() << " cvn findfont dup length dict begin {1 index pop def} forall\n"
-             << "/FontName ";
-    WriteNameString(name);
-    Stream() << " cvn def\n";
-}
-
-void BaseFontBuilder::EndRedefinition(const char* name) {
-    Stream() << "currentdict end\n";
-    WriteNameString(name);
-    Stream() << " cvn exch definefont pop\n";
 }
 
 }  // namespace VANTIX::PS

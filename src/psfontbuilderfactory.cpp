@@ -4,6 +4,10 @@
 #include <algorithm>
 #include <iterator>
 
+#include "cffbuilder.h"
+#include "cidfonttype0builder.h"
+#include "cidfonttype2builder.h"
+#include "core/io/idictionary.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "core/object/tobject.h"
 #include "t1fontbuilder.h"
@@ -26,27 +30,36 @@ BuilderPtr MakeType42(IClassFactory& /*factory*/) {
     return MakeObject<T42FontBuilder>();
 }
 
-/// What becomes of a kind of font that is asked for as a kind of PostScript font: a builder, or
-/// words.
+BuilderPtr MakeFontSet(IClassFactory& /*factory*/) {
+    return MakeObject<CFFBuilder>();
+}
+
+BuilderPtr MakeCIDFontType0(IClassFactory& /*factory*/) {
+    return MakeObject<CIDFontType0Builder>();
+}
+
+BuilderPtr MakeCIDFontType2(IClassFactory& /*factory*/) {
+    return MakeObject<CIDFontType2Builder>();
+}
+
+/// What becomes of a kind of font that is asked for as a kind of PostScript font: a builder, maybe
+/// with a notice, or a refusal in words.
 struct Route {
     TFontType source;
     TPSFontType type;
     Maker make;
-    const char* refusal;
+    const char* message;
 };
 
-constexpr const char* kNoFontSet = "CFF fonts are not written as FontSets.";
-constexpr const char* kNoConversion = "CFF fonts are not converted to Type 1.";
 constexpr const char* kNoType3 = "Type 3 fonts are not written.";
-constexpr const char* kNoCIDFont = "CID-keyed fonts are not written.";
 
 constexpr Route kRoutes[] = {
     {TFontType::kType1, TPSFontType::kNone, MakeType1, nullptr},
     {TFontType::kType1, TPSFontType::kType1, MakeType1, nullptr},
-    {TFontType::kCFF, TPSFontType::kNone, nullptr, kNoFontSet},
-    {TFontType::kCFF, TPSFontType::kType1, nullptr, kNoConversion},
-    {TFontType::kCFF, TPSFontType::kFontSet, nullptr, kNoFontSet},
-    {TFontType::kCFF, TPSFontType::kCIDKeyedFontSet, nullptr, kNoFontSet},
+    {TFontType::kCFF, TPSFontType::kNone, MakeFontSet, nullptr},
+    {TFontType::kCFF, TPSFontType::kType1, MakeType1, nullptr},
+    {TFontType::kCFF, TPSFontType::kFontSet, MakeFontSet, nullptr},
+    {TFontType::kCFF, TPSFontType::kCIDKeyedFontSet, MakeFontSet, "Downloading a CIDKeyedCFF..."},
     {TFontType::kCFF, TPSFontType::kCIDFontType0, nullptr,
      "Welcome! you are chosen to download CFF font as CIDFontType0 into PS"},
     {TFontType::kCFF, TPSFontType::kCIDFontType1, nullptr,
@@ -55,10 +68,10 @@ constexpr Route kRoutes[] = {
      "Welcome! you are chosen to download CFF font as CIDFontType2 into PS"},
     {TFontType::kType3, TPSFontType::kNone, nullptr, kNoType3},
     {TFontType::kType3, TPSFontType::kType3, nullptr, kNoType3},
-    {TFontType::kCIDKeyedCFF, TPSFontType::kCIDFontType0, nullptr, kNoCIDFont},
-    {TFontType::kCIDKeyedTrueType, TPSFontType::kNone, nullptr, kNoCIDFont},
-    {TFontType::kCIDKeyedTrueType, TPSFontType::kCIDFontType0, nullptr, kNoCIDFont},
-    {TFontType::kCIDKeyedTrueType, TPSFontType::kCIDFontType2, nullptr, kNoCIDFont},
+    {TFontType::kCIDKeyedCFF, TPSFontType::kCIDFontType0, MakeCIDFontType0, nullptr},
+    {TFontType::kCIDKeyedTrueType, TPSFontType::kNone, MakeCIDFontType2, nullptr},
+    {TFontType::kCIDKeyedTrueType, TPSFontType::kCIDFontType0, MakeCIDFontType0, nullptr},
+    {TFontType::kCIDKeyedTrueType, TPSFontType::kCIDFontType2, MakeCIDFontType2, nullptr},
     {TFontType::kTrueType, TPSFontType::kNone, MakeType42, nullptr},
     {TFontType::kTrueType, TPSFontType::kType1, MakeType1, nullptr},
     {TFontType::kTrueType, TPSFontType::kType42, MakeType42, nullptr},
@@ -123,10 +136,16 @@ GRAPHICS::IFontBuilder* PSFontBuilderFactory::CreatePSFontBuilder(
         return nullptr;
     }
     if (route->make == nullptr) {
-        LogError(kModule) << route->refusal;
+        LogError(kModule) << route->message;
         return nullptr;
     }
+    if (route->message != nullptr) {
+        LogNotice(kModule) << route->message;
+    }
     BuilderPtr builder = route->make(factory);
+    if (auto* policy = FindInterface<IO::IDictionary>(this, IO::IID_IPOSTSCRIPTPOLICYDICT)) {
+        builder->Aggregate(policy, IO::IID_IPOSTSCRIPTPOLICYDICT);
+    }
     return builder->Init(handler, name, packet) ? builder.Detach() : nullptr;
 }
 

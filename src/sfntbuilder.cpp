@@ -425,4 +425,17 @@ SFNTStringsBuilder* GetSFNTStringsBuilder(GRAPHICS::IFontPackageHandler& handler
     return builder.Get();
 }
 
+void WriteSFNTStrings(IPostScriptDataStream& stream, GRAPHICS::IFontPackageHandler& handler,
+                      const char* module, const char* complaint) {
+    stream << "/RD {string currentfile exch readstring pop} executeonly def\n"
+           << "/sfnts [";
+    SFNTStringsBuilder* strings = GetSFNTStringsBuilder(handler);
+    if (strings == nullptr) {
+        LogError(module) << complaint << handler.GetName();
+    } else {
+        strings->Buid(&stream);
+    }
+    stream << "\n] def\n";
+}
+
 }  // namespace VANTIX::PS

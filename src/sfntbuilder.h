@@ -96,4 +96,9 @@ private:
 /// (logged) for a font without data or with data of no use.
 SFNTStringsBuilder* GetSFNTStringsBuilder(GRAPHICS::IFontPackageHandler& handler);
 
+/// Writes /sfnts of the font, empty where the data are of no use: then `module` logs `complaint`
+/// and the name.
+void WriteSFNTStrings(IPostScriptDataStream& stream, GRAPHICS::IFontPackageHandler& handler,
+                      const char* module, const char* complaint);
+
 }  // namespace VANTIX::PS

@@ -11,6 +11,7 @@
 
 #include "core/libsupport/vlogger/logmessage.h"
 #include "postscriptdatastream/formattext.h"
+#include "t2tot1charstringconverter.h"
 
 namespace VANTIX::PS {
 namespace {
@@ -86,14 +87,6 @@ MissingEnd FindMissingEnd(std::span<const std::uint8_t> program) {
     return {true, kEndZeros - std::min(found, kEndZeros)};
 }
 
-/// Text for a comment: what would end its line becomes a blank.
-std::string OneLine(std::string_view text) {
-    std::string line(text);
-    std::replace_if(
-        line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r' || c == '\f'; }, ' ');
-    return line;
-}
-
 std::int32_t RoundedWidth(float width) {
     return std::isfinite(width) && std::abs(width) < 1e6F
                ? static_cast<std::int32_t>(std::lround(width))
@@ -131,25 +124,51 @@ bool T1FontBuilder::TrueTypeToT1CharStringFunctor::operator()(
         return true;
     }
     T1CharStringConnectionspace space(recording->GetAdvanceWidth(), mBuilder.mScale);
-    bool whole = true;
-    if (recording->GetPointCount() == 0) {
-        space.NewPath();
-        space.ResetPath();
-    } else {
-        whole = recording->Play(space);
-    }
+    const bool whole = space.Record(*recording);
     const auto charString = space.GetCharString();
     if (!whole || charString.empty() || !IsPlainName(name)) {
         LogNotice(kModule) << "CharString entry not added for glyph " << name
                            << ", seems to be a ZERO contour/points glyph?";
         return true;
     }
-    const auto length = static_cast<std::int32_t>(charString.size());
-    mLongest = std::max(mLongest, length);
-    mBuilder.PrintEncrypted(mOut, "/%s %d RD ", name, length);
-    mBuilder.WriteEncrypted(mOut, charString);
-    mBuilder.PrintEncrypted(mOut, " ND\n");
+    mLongest = std::max(mLongest, mBuilder.WriteCharString(mOut, name, charString));
     return true;
+}
+
+/// Called for each charstring of a CFF font while /CharStrings is written.
+class T1FontBuilder::T2ToT1CharStringFunctor final : public GRAPHICS::ICharStringFunctor {
+public:
+    T2ToT1CharStringFunctor(T1FontBuilder& builder, IPostScriptDataStream& out,
+                            const GRAPHICS::ICFFAncillary& font)
+        : mBuilder(builder), mOut(out), mFont(font) {}
+
+    bool operator()(const char* name, const GRAPHICS::CharString& charString) override {
+        if (name != nullptr && IsPlainName(name)) {
+            const auto converted = mConverter.ConvertGlyph(charString, 0, &mFont);
+            mLongest = converted.empty()
+                           ? mLongest
+                           : std::max(mLongest, mBuilder.WriteCharString(mOut, name, converted));
+        }
+        return true;
+    }
+
+    [[nodiscard]] std::int32_t LongestLength() const { return mLongest; }
+
+private:
+    T1FontBuilder& mBuilder;
+    IPostScriptDataStream& mOut;
+    const GRAPHICS::ICFFAncillary& mFont;
+    T2ToT1CharStringConverter mConverter;
+    std::int32_t mLongest = 0;
+};
+
+std::int32_t T1FontBuilder::WriteCharString(IPostScriptDataStream& out, const char* name,
+                                            std::span<const std::uint8_t> charString) {
+    const auto length = static_cast<std::int32_t>(charString.size());
+    PrintEncrypted(out, "/%s %d RD ", name, length);
+    WriteEncrypted(out, charString);
+    PrintEncrypted(out, " ND\n");
+    return length;
 }
 
 bool T1FontBuilder::BuildFont() {
@@ -204,6 +223,12 @@ void T1FontBuilder::CopyProgram(std::span<const std::uint8_t> program) {
 const GRAPHICS::IT42Ancillary* T1FontBuilder::TrueTypeSource() const {
     return Handler()->GetFontType() == GRAPHICS::TFontType::kTrueType
                ? FindInterface<GRAPHICS::IT42Ancillary>(Handler(), GRAPHICS::IID_IT42ANCILLARY)
+               : nullptr;
+}
+
+const GRAPHICS::ICFFAncillary* T1FontBuilder::CFFSource() const {
+    return Handler()->GetFontType() == GRAPHICS::TFontType::kCFF
+               ? FindInterface<GRAPHICS::ICFFAncillary>(Handler(), GRAPHICS::IID_ICFFANCILLARY)
                : nullptr;
 }
 
@@ -339,17 +364,23 @@ bool T1FontBuilder::WriteCharStringsOnTrial() {
 std::int32_t T1FontBuilder::WriteCharStringDictionary(IPostScriptDataStream& out) {
     PrintEncrypted(out, "dup /CharStrings\n%d dict dup begin\n",
                    std::max(Handler()->GetGlyphCount(), 0));
-    const auto* font = TrueTypeSource();
-    if (font == nullptr) {
+    std::int32_t longest = 0;
+    if (const auto* trueType = TrueTypeSource(); trueType != nullptr) {
+        TrueTypeToT1CharStringFunctor functor(*this, out);
+        trueType->EnumerateGlyphs(functor);
+        longest = functor.LongestLength();
+    } else if (const auto* cff = CFFSource(); cff != nullptr) {
+        T2ToT1CharStringFunctor functor(*this, out, *cff);
+        cff->EnumerateCharStrings(functor);
+        longest = functor.LongestLength();
+    } else {
         LogError(kModule) << "New source font type "
                           << static_cast<std::int32_t>(Handler()->GetFontType())
                           << " getting converted to Type1 font?";
         return 0;
     }
-    TrueTypeToT1CharStringFunctor functor(*this, out);
-    font->EnumerateGlyphs(functor);
     PrintEncrypted(out, "end put\n");
-    return functor.LongestLength();
+    return longest;
 }
 
 void T1FontBuilder::WriteEndOfProgram() {
@@ -385,27 +416,30 @@ void T1FontBuilder::WriteEncrypted(IPostScriptDataStream& out,
 }
 
 bool T1FontBuilder::SetEncodingDifferences(GRAPHICS::IFontPackageHandler* handler) {
+    using GRAPHICS::TFontType;
     BaseFontEncodingFunctor functor(Stream());
-    if (handler->GetFontType() == GRAPHICS::TFontType::kType1) {
-        const auto* font =
-            FindInterface<GRAPHICS::IType1Ancillary>(handler, GRAPHICS::IID_ITYPE1ANCILLARY);
+    const auto enumerate = [&](const auto* font) {
         if (font != nullptr) {
             font->EnumerateEncoding(functor);
         }
         return font != nullptr;
+    };
+    switch (handler->GetFontType()) {
+        case TFontType::kType1:
+            return enumerate(
+                FindInterface<GRAPHICS::IType1Ancillary>(handler, GRAPHICS::IID_ITYPE1ANCILLARY));
+        case TFontType::kCFF:
+            return enumerate(
+                FindInterface<GRAPHICS::ICFFAncillary>(handler, GRAPHICS::IID_ICFFANCILLARY));
+        case TFontType::kTrueType:
+            return enumerate(
+                FindInterface<GRAPHICS::IT42Ancillary>(handler, GRAPHICS::IID_IT42ANCILLARY));
+        default:
+            LogError(kModule) << "New source font type "
+                              << static_cast<std::int32_t>(handler->GetFontType())
+                              << " getting converted to Type1 font?";
+            return false;
     }
-    if (handler->GetFontType() == GRAPHICS::TFontType::kTrueType) {
-        const auto* font =
-            FindInterface<GRAPHICS::IT42Ancillary>(handler, GRAPHICS::IID_IT42ANCILLARY);
-        if (font != nullptr) {
-            font->EnumerateEncoding(functor);
-        }
-        return font != nullptr;
-    }
-    LogError(kModule) << "New source font type "
-                      << static_cast<std::int32_t>(handler->GetFontType())
-                      << " getting converted to Type1 font?";
-    return false;
 }
 
 bool T1FontBuilder::DefineFont(GRAPHICS::IFontPackageHandler* handler, const char* name) {

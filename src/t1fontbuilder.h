@@ -11,7 +11,7 @@
 namespace VANTIX::PS {
 
 /// Writes a font as a Type 1 font (Adobe Type 1 Font Format): a Type 1 program as it is, with its
-/// end repaired, or one made of the outlines of a TrueType font.
+/// end repaired, or one made of the charstrings of a CFF font or the outlines of a TrueType font.
 class T1FontBuilder : public BaseFontBuilder {
 public:
     /// The factory makes the memory provider for charstrings on trial; it has to outlive the
@@ -31,12 +31,15 @@ protected:
 
 private:
     class TrueTypeToT1CharStringFunctor;
+    class T2ToT1CharStringFunctor;
 
     bool BuildFromProgram();
     void CopyProgram(std::span<const std::uint8_t> program);
     void WriteFontComments();
     /// The TrueType interface of the source, or null.
     [[nodiscard]] const GRAPHICS::IT42Ancillary* TrueTypeSource() const;
+    /// The CFF interface of the source, or null.
+    [[nodiscard]] const GRAPHICS::ICFFAncillary* CFFSource() const;
 
     /// From /FontMatrix to /OtherSubrs, the end of it encrypted.
     void WriteScaledEntries();
@@ -47,6 +50,9 @@ private:
     bool WriteCharStringsOnTrial();
     /// Answers the length of the longest charstring in bytes.
     std::int32_t WriteCharStringDictionary(IPostScriptDataStream& out);
+    /// One entry of it. Answers the length of the charstring in bytes.
+    std::int32_t WriteCharString(IPostScriptDataStream& out, const char* name,
+                                 std::span<const std::uint8_t> charString);
     void WriteEndOfProgram();
 
     /// Text, formatted, or bytes, encrypted with the running key.

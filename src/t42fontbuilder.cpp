@@ -90,7 +90,8 @@ bool T42FontBuilder::WriteTypeSpecificEntries() {
     Stream() << "/PaintType 0 def\n"
              << "/StrokeWidth 0 def\n";
     const bool written = WriteCharStrings(*Handler());
-    Writesfnts();
+    WriteSFNTStrings(Stream(), *Handler(), kModule,
+                     "Failed to fetch the SFNTStringsBuilder for a Type 42 font ");
     return written;
 }
 
@@ -104,19 +105,6 @@ bool T42FontBuilder::WriteCharStrings(GRAPHICS::IFontPackageHandler& handler) {
     }
     Stream() << "end readonly def\n";
     return font != nullptr;
-}
-
-void T42FontBuilder::Writesfnts() {
-    Stream() << "/RD {string currentfile exch readstring pop} executeonly def\n"
-             << "/sfnts [";
-    SFNTStringsBuilder* strings = GetSFNTStringsBuilder(*Handler());
-    if (strings == nullptr) {
-        LogError(kModule) << "Failed to fetch the SFNTStringsBuilder for a Type 42 font "
-                          << Handler()->GetName();
-    } else {
-        strings->Buid(GetStream());
-    }
-    Stream() << "\n] def\n";
 }
 
 bool T42FontBuilder::SetEncodingDifferences(GRAPHICS::IFontPackageHandler* handler) {

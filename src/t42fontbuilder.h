@@ -25,8 +25,6 @@ protected:
 private:
     void WriteFontComments();
     bool WriteCharStrings(GRAPHICS::IFontPackageHandler& handler);
-    /// /sfnts, empty where the data are of no use.
-    void Writesfnts();
 };
 
 }  // namespace VANTIX::PS

@@ -5,7 +5,6 @@
 #include <array>
 #include <cmath>
 #include <exception>
-#include <limits>
 
 #include "core/libsupport/vlogger/logmessage.h"
 
@@ -13,7 +12,6 @@ namespace VANTIX::PS {
 namespace {
 
 constexpr const char* kModule = "src/truetypetot1conversionutils";
-constexpr std::size_t kFirstRoom = 256;
 /// Six operands of at most eight bytes, and a command.
 constexpr std::size_t kLongestCommand = 6 * 8 + 1;
 /// With more units than this for each em, coordinates are whole.
@@ -32,30 +30,6 @@ enum Command : std::uint8_t {
 };
 
 constexpr std::uint8_t kDiv = 12;  // behind kEscape
-
-std::int32_t ToInteger(double value) {
-    constexpr double kMost = std::numeric_limits<std::int32_t>::max();
-    return std::isnan(value) ? 0 : static_cast<std::int32_t>(std::clamp(value, -kMost, kMost));
-}
-
-std::uint8_t* PutInteger(std::uint8_t* out, std::int32_t value) {
-    const auto byte = [](std::int32_t bits) { return static_cast<std::uint8_t>(bits & 0xFF); };
-    if (value >= -107 && value <= 107) {
-        *out++ = byte(value + 139);
-    } else if (value >= 108 && value <= 1131) {
-        *out++ = byte(247 + ((value - 108) >> 8));
-        *out++ = byte(value - 108);
-    } else if (value >= -1131 && value <= -108) {
-        *out++ = byte(251 + ((-value - 108) >> 8));
-        *out++ = byte(-value - 108);
-    } else {
-        *out++ = 255;
-        for (int shift = 24; shift >= 0; shift -= 8) {
-            *out++ = byte(value >> shift);
-        }
-    }
-    return out;
-}
 
 /// Away from zero by what it may lack of its true value.
 double WithoutNoise(double value) {
@@ -77,11 +51,46 @@ std::uint8_t* PutFraction(std::uint8_t* out, double value) {
 
 }  // namespace
 
+bool T1CharString::Begin() {
+    mSize = 0;
+    mCipher = Type1Cipher(Type1Cipher::kCharStringKey);
+    mIsGivenUp = false;
+    return mBytes.size() >= kFirstRoom || Grow(0);
+}
+
+bool T1CharString::Grow(std::size_t count) {
+    const std::size_t size = mSize + count;
+    try {
+        if (mIsGivenUp || size > kMostBytes) {
+            throw std::bad_alloc();
+        }
+        mBytes.resize(std::max({size, kFirstRoom, 2 * mBytes.size()}));
+    } catch (const std::exception&) {
+        GiveUp();
+    }
+    return !mIsGivenUp;
+}
+
+void T1CharString::GiveUp() {
+    mBytes.clear();
+    mSize = 0;
+    mIsGivenUp = true;
+}
+
 T1CharStringConnectionspace::T1CharStringConnectionspace(float advanceWidth, const float scale)
     : mAdvanceWidth(advanceWidth), mScale(scale) {}
 
 double T1CharStringConnectionspace::Scaled(float from, float to) const {
     return (static_cast<double>(to) - static_cast<double>(from)) * static_cast<double>(mScale);
+}
+
+bool T1CharStringConnectionspace::Record(const GRAPHICS::IGlyphRecording& glyph) {
+    if (glyph.GetPointCount() != 0) {
+        return glyph.Play(*this);
+    }
+    NewPath();
+    ResetPath();
+    return true;
 }
 
 void T1CharStringConnectionspace::NewPath() {
@@ -142,25 +151,11 @@ void T1CharStringConnectionspace::Append(std::initializer_list<double> operands,
                   : PutFraction(end, operand);
     }
     *end++ = command;
-    AppendEncrypted({bytes.data(), end});
-}
-
-void T1CharStringConnectionspace::AppendEncrypted(std::span<std::uint8_t> bytes) {
-    if (mFailed) {
-        return;
-    }
-    const std::size_t size = mCharString.size() + bytes.size();
-    try {
-        if (size > kMostBytes) {
-            throw std::bad_alloc();
-        }
-        mCharString.reserve(size <= kFirstRoom ? kFirstRoom : 0);
-        mCipher.Encrypt(bytes);
-        mCharString.insert(mCharString.end(), bytes.begin(), bytes.end());
-    } catch (const std::exception&) {
+    const bool wasWhole = !mCharString.IsGivenUp();
+    const std::size_t size =
+        mCharString.Get().size() + static_cast<std::size_t>(end - bytes.data());
+    if (!mCharString.Append({bytes.data(), end}) && wasWhole) {
         LogError(kModule) << "Unable to get heap memory for " << size << "bytes";
-        mCharString.clear();
-        mFailed = true;
     }
 }
 

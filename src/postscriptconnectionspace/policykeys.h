@@ -17,5 +17,6 @@ inline constexpr std::int32_t kOnlyAscii85 = 109;          ///< bool
 inline constexpr std::int32_t kSoftMasks = 111;            ///< bool
 inline constexpr std::int32_t kTilingFlag = 112;           ///< byte
 inline constexpr std::int32_t kFlipImages = 113;           ///< bool
+inline constexpr std::int32_t kNoEndOfFontSet = 114;       ///< bool
 
 }  // namespace VANTIX::PS::POLICY

@@ -7,39 +7,14 @@
 #include <limits>
 #include <string>
 
+#include "charstringwords.h"
 #include "support/recordinglogger.h"
 
 namespace VANTIX::PS {
 namespace {
 
-/// Words of a charstring, decrypted: numbers and the codes of commands in brackets.
 std::string Read(const T1CharStringConnectionspace& space) {
-    std::uint32_t key = 4330;
-    std::vector<int> bytes;
-    for (const std::uint8_t cipher : space.GetCharString()) {
-        bytes.push_back(static_cast<int>(cipher ^ (key >> 8U)));
-        key = ((cipher + key) * 52845U + 22719U) & 0xFFFFU;
-    }
-    std::string words;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        const int byte = bytes[i];
-        if (byte < 32) {
-            words += "[" + std::to_string(byte == 12 ? 1200 + bytes.at(++i) : byte) + "] ";
-        } else if (byte <= 246) {
-            words += std::to_string(byte - 139) + " ";
-        } else if (byte <= 250) {
-            words += std::to_string((byte - 247) * 256 + bytes.at(++i) + 108) + " ";
-        } else if (byte <= 254) {
-            words += std::to_string(-(byte - 251) * 256 - bytes.at(++i) - 108) + " ";
-        } else {
-            std::uint32_t bits = 0;
-            for (int n = 0; n < 4; ++n) {
-                bits = bits << 8U | static_cast<std::uint32_t>(bytes.at(++i));
-            }
-            words += std::to_string(static_cast<std::int32_t>(bits)) + " ";
-        }
-    }
-    return words;
+    return TEST::ReadCharString(space.GetCharString());
 }
 
 TEST(T1CharStrings, OutlineIsWrittenInDifferences) {
@@ -104,7 +79,7 @@ TEST(T1CharStrings, OneWithoutEndIsGivenUp) {
     TEST::RecordingLogger::Get().Clear();
     T1CharStringConnectionspace space(1, 1000);
     const float point[] = {0.5F, 0.5F};
-    for (std::size_t i = 0; i <= T1CharStringConnectionspace::kMostBytes / 3; ++i) {
+    for (std::size_t i = 0; i <= T1CharString::kMostBytes / 3; ++i) {
         space.LineTo(point, 1);
     }
     EXPECT_TRUE(space.GetCharString().empty());
