@@ -81,12 +81,12 @@ std::string StringOf(const FcPattern* pattern, const char* property) {
     return reinterpret_cast<const char*>(value);
 }
 
-/// Whether a font is of a kind that can be used: Type 1, or TrueType with its own outlines.
+/// Whether a font is of a kind that can be used: Type 1, CFF, or TrueType with its own outlines.
 bool IsUsable(const FcPattern* pattern) {
     const std::string format = StringOf(pattern, FC_FONTFORMAT);
     int index = 0;
     FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
-    return index == 0 && (format == "Type 1" || format == "TrueType");
+    return index == 0 && (format == "Type 1" || format == "CFF" || format == "TrueType");
 }
 
 std::vector<std::uint8_t> ReadBytes(const std::string& path) {
@@ -117,12 +117,13 @@ bool Describe(FoundFont& font, std::string& problem) {
         const char* name = FT_Get_Postscript_Name(face);
         font.isTrueType = format == "TrueType" && hasGlyf;
         font.name = name == nullptr ? "" : name;
-        isUsable = font.isTrueType || format == "Type 1";
+        isUsable = font.isTrueType || format == "Type 1" ||
+                   (format == "CFF" && FT_IS_CID_KEYED(face) == 0);
         FT_Done_Face(face);
     }
     FT_Done_FreeType(library);
     if (!isUsable) {
-        problem = "it is neither a Type 1 font nor a TrueType font with outlines of its own";
+        problem = "it is neither a Type 1 or CFF font nor a TrueType font with outlines of its own";
     }
     return isUsable;
 }
@@ -140,10 +141,8 @@ public:
         }
         const Pattern wanted(FcPatternCreate());
         FcPatternAddString(wanted.get(), FC_POSTSCRIPT_NAME, Text(name));
-        using Objects = std::unique_ptr<FcObjectSet, Destroyer<FcObjectSetDestroy>>;
         const Objects objects(
             FcObjectSetBuild(FC_FILE, FC_FONTFORMAT, FC_INDEX, FC_POSTSCRIPT_NAME, nullptr));
-        using List = std::unique_ptr<FcFontSet, Destroyer<FcFontSetDestroy>>;
         const List list(FcFontList(mConfig.get(), wanted.get(), objects.get()));
         return list == nullptr ? std::nullopt : First(*list, true);
     }
@@ -166,7 +165,79 @@ public:
         return sorted == nullptr ? std::nullopt : First(*sorted, false);
     }
 
+    /// The TrueType font that has most of the characters.
+    std::optional<FoundFont> With(const FontWish& wish,
+                                  const std::set<char32_t>& characters) const {
+        if (mConfig == nullptr || characters.empty()) {
+            return std::nullopt;
+        }
+        const CharSet wanted(FcCharSetCreate());
+        for (const char32_t character : characters) {
+            FcCharSetAddChar(wanted.get(), character);
+        }
+        const Pattern all(FcPatternCreate());
+        const Objects objects(FcObjectSetBuild(FC_FILE, FC_FONTFORMAT, FC_INDEX, FC_CHARSET,
+                                               FC_WEIGHT, FC_SLANT, FC_SPACING, FC_POSTSCRIPT_NAME,
+                                               nullptr));
+        const List list(FcFontList(mConfig.get(), all.get(), objects.get()));
+        std::vector<Candidate> candidates;
+        for (int index = 0; list != nullptr && index < list->nfont; ++index) {
+            const Candidate candidate = Rate(list->fonts[index], wish, *wanted);
+            if (2 * std::size_t{candidate.characters} >= characters.size()) {
+                candidates.push_back(candidate);
+            }
+        }
+        std::sort(candidates.begin(), candidates.end());
+        for (const Candidate& candidate : candidates) {
+            std::string problem;
+            std::optional<FoundFont> font = ReadFontFile(candidate.path, problem);
+            if (font && font->isTrueType) {
+                return font;
+            }
+        }
+        return std::nullopt;
+    }
+
 private:
+    using CharSet = std::unique_ptr<FcCharSet, Destroyer<FcCharSetDestroy>>;
+    using Objects = std::unique_ptr<FcObjectSet, Destroyer<FcObjectSetDestroy>>;
+    using List = std::unique_ptr<FcFontSet, Destroyer<FcFontSetDestroy>>;
+
+    /// How well a font fits; those that fit best are least.
+    struct Candidate {
+        FcChar32 characters = 0;
+        int style = 0;  ///< of what is wished for, what it has
+        std::string path;
+
+        bool operator<(const Candidate& other) const {
+            return std::tuple(other.characters, other.style, std::string_view(path)) <
+                   std::tuple(characters, style, std::string_view(other.path));
+        }
+    };
+
+    static Candidate Rate(const FcPattern* pattern, const FontWish& wish, const FcCharSet& wanted) {
+        FcCharSet* has = nullptr;
+        if (!IsUsable(pattern) || StringOf(pattern, FC_FONTFORMAT) != "TrueType" ||
+            FcPatternGetCharSet(pattern, FC_CHARSET, 0, &has) != FcResultMatch) {
+            return {};
+        }
+        const auto value = [&](const char* property, int otherwise) {
+            FcPatternGetInteger(pattern, property, 0, &otherwise);
+            return otherwise;
+        };
+        constexpr int kNameCounts = 4;
+        const bool isBold = value(FC_WEIGHT, FC_WEIGHT_REGULAR) >= FC_WEIGHT_DEMIBOLD;
+        const bool isItalic = value(FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN;
+        const bool isFixedPitch = value(FC_SPACING, FC_PROPORTIONAL) == FC_MONO;
+        Candidate candidate;
+        candidate.characters = FcCharSetIntersectCount(has, &wanted);
+        candidate.style = (isBold == wish.isBold ? 1 : 0) + (isItalic == wish.isItalic ? 1 : 0) +
+                          (isFixedPitch == wish.isFixedPitch ? 1 : 0) +
+                          (StringOf(pattern, FC_POSTSCRIPT_NAME) == wish.name ? kNameCounts : 0);
+        candidate.path = StringOf(pattern, FC_FILE);
+        return candidate;
+    }
+
     /// The first usable font of a set, or the first one by its path.
     static std::optional<FoundFont> First(const FcFontSet& set, bool byPath) {
         std::vector<std::string> paths;
@@ -214,6 +285,11 @@ std::optional<FoundFont> FindInstalledFont(const FontWish& wish) {
     }
     const char* family = wish.isFixedPitch ? "monospace" : (wish.isSerif ? "serif" : "sans-serif");
     return fonts.Like(family, wish);
+}
+
+std::optional<FoundFont> FindInstalledFontWith(const FontWish& wish,
+                                               const std::set<char32_t>& characters) {
+    return InstalledFonts().With(wish, characters);
 }
 
 std::optional<FoundFont> ReadFontFile(const std::string& path, std::string& problem) {

@@ -1,27 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "host/fonts/sfntsubset.h"
 
-#include <hb-subset.h>
-
-#include <memory>
-
+#include "host/fonts/harfbuzz.h"
 #include "host/fonts/sfntlayout.h"
 
 namespace VANTIX::HOST {
 namespace {
 
-template <auto Destroy>
-struct Destroyer {
-    template <class T>
-    void operator()(T* object) const {
-        Destroy(object);
-    }
-};
-
-using Blob = std::unique_ptr<hb_blob_t, Destroyer<hb_blob_destroy>>;
-using Face = std::unique_ptr<hb_face_t, Destroyer<hb_face_destroy>>;
-using Input = std::unique_ptr<hb_subset_input_t, Destroyer<hb_subset_input_destroy>>;
-using Plan = std::unique_ptr<hb_subset_plan_t, Destroyer<hb_subset_plan_destroy>>;
+using namespace HARFBUZZ;
 
 Input MakeInput(const Sfnt& font, const std::set<std::uint16_t>& glyphs) {
     Input input(hb_subset_input_create_or_fail());

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <functional>
 #include <utility>
 
 #include "host/fonts/glyphnames.h"
@@ -13,9 +12,7 @@ namespace VANTIX::HOST {
 namespace {
 
 constexpr float kUnknown = -1.0F;
-constexpr std::int32_t kSpaceCode = 32;
-/// How far apart, in ems, the end of a string may be by the font's widths and by the document's.
-constexpr double kMostDeviation = 0.01;
+constexpr std::uint8_t kSpaceCode = 32;
 
 /// Also false for NaN.
 bool IsKnown(float width) {
@@ -24,8 +21,16 @@ bool IsKnown(float width) {
 
 }  // namespace
 
+SimpleFontDescription Sanitised(SimpleFontDescription description) {
+    description.name = SanitiseGlyphName(description.name);
+    for (std::string& name : description.encoding) {
+        name = SanitiseGlyphName(name);
+    }
+    return description;
+}
+
 SimpleFont::SimpleFont(GRAPHICS::TFontType type, SimpleFontDescription description)
-    : mType(type), mDescription(std::move(description)) {
+    : DocumentFont(type), mDescription(std::move(description)) {
     mWritten.fill(kUnknown);
     const auto& names = mDescription.encoding;
     for (std::size_t code = 0; code < kSimpleCodes; ++code) {
@@ -54,8 +59,13 @@ float SimpleFont::WidthAt(std::uint8_t code) const {
     return IsKnown(mWritten[code]) ? mWritten[code] : 0.0F;
 }
 
-GRAPHICS::TFontType SimpleFont::GetFontType() const {
-    return mType;
+float SimpleFont::AdvanceAt(std::uint16_t code) const {
+    return WidthAt(static_cast<std::uint8_t>(code));
+}
+
+std::optional<float> SimpleFont::WrittenAdvanceAt(std::uint16_t code) const {
+    const float width = WrittenWidthAt(static_cast<std::uint8_t>(code));
+    return IsKnown(width) ? std::optional(width) : std::nullopt;
 }
 
 GRAPHICS::TEncoding SimpleFont::GetCIDEncoding() const {
@@ -78,14 +88,7 @@ bool SimpleFont::GetAdvances(const void* text, std::int32_t length, float* w0, f
         return false;
     }
     const auto* codes = static_cast<const std::uint8_t*>(text);
-    double deviation = 0;
-    bool isUnknown = false;
-    for (std::int32_t i = 0; i < length; ++i) {
-        const float wanted = WidthAt(codes[i]);
-        isUnknown |= !IsKnown(mWritten[codes[i]]) && IsKnown(mDescription.widths[codes[i]]);
-        deviation += IsKnown(mWritten[codes[i]]) ? wanted - mWritten[codes[i]] : 0.0F;
-    }
-    if (!isUnknown && std::abs(deviation) <= kMostDeviation) {
+    if (!Deviates(codes, length)) {
         return false;
     }
     for (std::int32_t i = 0; i < length; ++i) {
@@ -96,19 +99,6 @@ bool SimpleFont::GetAdvances(const void* text, std::int32_t length, float* w0, f
     return true;
 }
 
-std::int32_t SimpleFont::GetSpaceCharCode() const {
-    return kSpaceCode;
-}
-
-bool SimpleFont::Less(const GRAPHICS::IFontPackageHandler& other) const {
-    // Fonts of other classes have no number that could be asked for; identity orders them all.
-    return std::less<const GRAPHICS::IFontPackageHandler*>{}(this, &other);
-}
-
-const char* SimpleFont::GetName() const {
-    return mDescription.name.c_str();
-}
-
 const GRAPHICS::EncodingDifference* SimpleFont::GetEncodingDifferences(std::int32_t& count) const {
     count = static_cast<std::int32_t>(mDifferences.size());
     return mDifferences.empty() ? nullptr : mDifferences.data();
@@ -116,50 +106,6 @@ const GRAPHICS::EncodingDifference* SimpleFont::GetEncodingDifferences(std::int3
 
 GRAPHICS::TEncoding SimpleFont::GetEncoding() const {
     return mEncoding;
-}
-
-const char* SimpleFont::GetFamilyName() const {
-    return mDescription.family.c_str();
-}
-
-const char* SimpleFont::GetNoticeString() const {
-    return mDescription.notice.c_str();
-}
-
-const char* SimpleFont::GetVersionString() const {
-    return mDescription.version.c_str();
-}
-
-float SimpleFont::GetItalicAngle() const {
-    return mDescription.italicAngle;
-}
-
-bool SimpleFont::IsFixedPitch() const {
-    return mDescription.isFixedPitch;
-}
-
-float SimpleFont::GetUnderlinePosition() const {
-    return mDescription.underlinePosition;
-}
-
-float SimpleFont::GetUnderlineThickness() const {
-    return mDescription.underlineThickness;
-}
-
-GRAPHICS::FontBox SimpleFont::GetFontBBox() const {
-    return mDescription.box;
-}
-
-bool SimpleFont::IsBold() const {
-    return mDescription.isBold;
-}
-
-float SimpleFont::GetHorizontalStemWidth() const {
-    return mDescription.horizontalStem;
-}
-
-float SimpleFont::GetVerticalStemWidth() const {
-    return mDescription.verticalStem;
 }
 
 }  // namespace VANTIX::HOST

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "core/fonts/ifontancillaries.h"
-#include "host/fonts/glyphnames.h"
 #include "host/fonts/type1program.h"
 
 namespace VANTIX::HOST {
@@ -41,24 +40,12 @@ private:
     std::vector<std::pair<std::int32_t, std::string>> mNames;
 };
 
-SimpleFontDescription Sanitised(SimpleFontDescription description) {
-    description.name = SanitiseGlyphName(description.name);
-    for (std::string& name : description.encoding) {
-        name = SanitiseGlyphName(name);
-    }
-    return description;
-}
-
-/// Font matrix in the order of the font package handlers: a c b d e f.
-using HandlerMatrix = std::array<float, 6>;
-
 class Type1Font final : public SimpleFont {
 public:
     Type1Font(const std::shared_ptr<Type1Program>& program, SimpleFontDescription description)
         : SimpleFont(GRAPHICS::TFontType::kType1, std::move(description)),
-          mGlyphCount(program->GlyphCount()) {
-        const std::array<float, 6>& matrix = program->Matrix();
-        mMatrix = {matrix[0], matrix[2], matrix[1], matrix[3], matrix[4], matrix[5]};
+          mGlyphCount(program->GlyphCount()),
+          mMatrix(HandlerMatrixOf(program->Matrix())) {
         TakeWidths(*program);
         Aggregate(MakeObject<Type1Data>(program).Get(), GRAPHICS::IID_IFONTDATA);
         const auto encoding = MakeObject<Type1Encoding>();
@@ -79,7 +66,7 @@ public:
 
 private:
     std::int32_t mGlyphCount;
-    HandlerMatrix mMatrix{};
+    HandlerMatrix mMatrix;
 };
 
 /// The widths of an interpreter's font by the names that a description has at their codes.

@@ -16,7 +16,7 @@ namespace VANTIX::HOST {
 /// A Type 1 font program of the document (Adobe Type 1 Font Format): read, renamed, and cut to the
 /// glyphs that its fonts use. The data is made when it is first asked for; what is used later is
 /// not in it. Not for several threads.
-class NORVANE_HOST_API Type1Program : public SimpleProgram {
+class NORVANE_HOST_API Type1Program : public NamedProgram {
 public:
     /// Takes PFA, PFB and what PDF embeds: clear text, encrypted part (binary or hexadecimal),
     /// zeros or none. Null, with the reason in `problem`, for what is no Type 1 font.
@@ -25,16 +25,11 @@ public:
 
     /// /FontName as it came.
     [[nodiscard]] virtual const std::string& Name() const = 0;
-    /// The encoding of the program itself; empty names where there is no glyph.
-    [[nodiscard]] virtual const std::array<std::string, kSimpleCodes>& Encoding() const = 0;
     /// a b c d e f
     [[nodiscard]] virtual const std::array<float, 6>& Matrix() const = 0;
-    [[nodiscard]] virtual GRAPHICS::FontBox Box() const = 0;
     [[nodiscard]] virtual std::int32_t GlyphCount() const = 0;
     [[nodiscard]] virtual std::size_t FileSize() const = 0;
 
-    /// The glyph is to be written, with what it is composed of. Where none is named, all are.
-    virtual void UseGlyph(std::string_view glyph) = 0;
     /// Gives the program another /FontName, to tell it from every other font of the interpreter.
     virtual void Rename(std::string_view name) = 0;
     /// The encrypted part as hexadecimal digits, for output that must be text.

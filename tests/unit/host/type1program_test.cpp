@@ -14,14 +14,15 @@
 
 #include "core/fonts/ifontancillaries.h"
 #include "support/childprocess.h"
-#include "support/ghostscriptpages.h"
 #include "support/temporaryfolder.h"
 #include "unit/host/madetype1.h"
+#include "unit/host/measured.h"
 
 namespace VANTIX::HOST {
 namespace {
 
 using TEST::MadeType1;
+using TEST::Measured;
 using Bytes = std::vector<std::uint8_t>;
 
 const std::string kInstalled = "/usr/share/fonts/type1/urw-base35/";
@@ -61,24 +62,6 @@ std::map<std::string, std::string> Disassembled(const std::string& bytes) {
         }
     }
     return entries;
-}
-
-/// Advance and box of each glyph as Ghostscript finds them in the font that `bytes` define.
-std::string Measured(const std::string& bytes, const std::string& font,
-                     const std::vector<std::string>& glyphs) {
-    std::string program = "%!PS\n" + bytes + "\n";
-    for (const std::string& glyph : glyphs) {
-        program += "/" + font +
-                   " findfont dup length dict copy dup /FID undef dup /Encoding [65 "
-                   "{/.notdef} repeat /" +
-                   glyph +
-                   " 190 {/.notdef} repeat] put /G exch definefont "
-                   "1000 scalefont setfont newpath 0 0 moveto (A) stringwidth exch == == (A) true "
-                   "charpath flattenpath pathbbox 4 {round cvi =} repeat newpath\n";
-    }
-    const TEST::ProgramOutput output = TEST::RunPostScript(program);
-    EXPECT_EQ(output.complaint, "");
-    return output.complaint.empty() ? output.text : "";
 }
 
 class InstalledType1 : public testing::TestWithParam<std::string> {};

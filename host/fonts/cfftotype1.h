@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "core/fonts/ifontancillaries.h"
+#include "host/fonts/cffreader.h"
+
+namespace VANTIX::HOST {
+
+/// A font that is not CID-keyed as a Type 1 program (Adobe Type 1 Font Format): its named glyphs
+/// with their stems, but without replacement of hints. Positions are rounded to units of the font;
+/// glyphs that cannot be read are blank.
+std::vector<std::uint8_t> Type1OfCff(const CffTables& font, const GRAPHICS::PrivateValues& hints);
+
+}  // namespace VANTIX::HOST
