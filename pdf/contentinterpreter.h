@@ -329,6 +329,8 @@ private:
     bool MayPaintText(bool fill);
     /// Shows a string in the modes of the state and goes on behind it.
     void Show(std::string_view codes);
+    void ShowHostText(std::string_view codes);
+    void MoveAlong(double distance);
     void ShowInvisible(std::string_view codes);
     void ShowPieces(std::string_view codes, std::optional<TextRendering> rendering);
     bool IsNear(double along);
@@ -376,6 +378,7 @@ private:
     std::array<float, 6> mNumbers{};
     std::vector<float> mValues;
     std::string mCodes;
+    std::string mHostText;
     const PatternCell* mCell = nullptr;  // that this plays
 };
 

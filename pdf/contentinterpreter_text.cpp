@@ -8,6 +8,7 @@
 
 #include "core/graphics/itextobject.h"
 #include "pdf/contentinterpreter.h"
+#include "pdf/fonts/compositefont.h"
 #include "pdf/fonts/fonts.h"
 #include "pdf/fonts/stringoperand.h"
 #include "pdf/objects.h"
@@ -32,8 +33,17 @@ void Translate(std::array<double, 6>& matrix, double x, double y) {
 }
 
 bool HasOutline(const Font& font, std::string_view codes) {
-    return std::any_of(codes.begin(), codes.end(),
-                       [&](char code) { return font.HasOutline(static_cast<std::uint8_t>(code)); });
+    const auto byte = [&](std::size_t i) {
+        return static_cast<unsigned>(static_cast<std::uint8_t>(codes[i]));
+    };
+    const std::size_t step = font.handler->CodeBytes();
+    for (std::size_t i = 0; i + step <= codes.size(); i += step) {
+        const unsigned code = step == 1 ? byte(i) : byte(i) << 8U | byte(i + 1);
+        if (font.HasOutline(static_cast<std::uint16_t>(code))) {
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace
@@ -164,10 +174,8 @@ void ContentInterpreter::ShowStrings(Numbers) {
             Show(mCodes);
             mCodes.clear();
             const TextState& text = Top().text;
-            Translate(mFrame.text.matrix,
-                      -operand.number * kAdjustment * static_cast<double>(text.size) *
-                          static_cast<double>(text.scaling),
-                      0.0);
+            MoveAlong(-operand.number * kAdjustment * static_cast<double>(text.size) *
+                      ScalingAlong(text));
         }
     }
     Show(mCodes);
@@ -178,11 +186,34 @@ void ContentInterpreter::Show(std::string_view codes) {
     if (codes.empty() || text.font == nullptr || !text.font->handler) {
         return;
     }
-    if (text.rendering == TextRendering::kInvisible) {
-        ShowInvisible(codes);
+    if (text.font->codes == nullptr) {
+        ShowHostText(codes);
         return;
     }
-    ShowPieces(codes, VisibleRendering());
+    // Interpreters give word spacing to one code of two bytes; that of one byte has it here.
+    while (!codes.empty()) {
+        mHostText.clear();
+        const bool isSpace = text.font->codes->Take(codes, mHostText, text.wordSpacing != 0.0F);
+        ShowHostText(mHostText);
+        if (isSpace) {
+            MoveAlong(static_cast<double>(text.wordSpacing) * ScalingAlong(text));
+        }
+    }
+}
+
+void ContentInterpreter::ShowHostText(std::string_view codes) {
+    if (Top().text.rendering == TextRendering::kInvisible) {
+        ShowInvisible(codes);
+    } else {
+        ShowPieces(codes, VisibleRendering());
+    }
+}
+
+// On the line, in units of text space.
+void ContentInterpreter::MoveAlong(double distance) {
+    const TextState& text = Top().text;
+    const bool isVertical = text.font != nullptr && text.font->handler->IsVertical();
+    Translate(mFrame.text.matrix, isVertical ? 0.0 : distance, isVertical ? distance : 0.0);
 }
 
 // The mode in which what may be painted is, without its clip; nothing where nothing is painted.
@@ -242,7 +273,7 @@ void ContentInterpreter::ShowPieces(std::string_view codes,
             rendering || clips ? Place(text, mFrame.text.matrix) : std::nullopt;
         std::string_view piece = codes.substr(0, place ? PieceLength(*place, codes) : codes.size());
         if (!IsNear(AdvanceOf(text, piece))) {
-            piece = piece.substr(0, 1);
+            piece = piece.substr(0, text.font->handler->CodeBytes());
         }
         const bool isSeen = place && IsNear(0.0);
         if (isSeen && rendering) {
@@ -251,7 +282,7 @@ void ContentInterpreter::ShowPieces(std::string_view codes,
         if (isSeen && clips) {
             KeepForClip(*place, piece);
         }
-        Translate(mFrame.text.matrix, AdvanceOf(text, piece), 0.0);
+        MoveAlong(AdvanceOf(text, piece));
         codes.remove_prefix(piece.size());
     }
 }
@@ -260,8 +291,9 @@ void ContentInterpreter::ShowPieces(std::string_view codes,
 bool ContentInterpreter::IsNear(double along) {
     constexpr double kFarthest = 1e5;
     const std::array<double, 6> matrix = Multiply(mFrame.text.matrix, Top().matrix);
-    return std::abs(matrix[0] * along + matrix[4]) <= kFarthest &&
-           std::abs(matrix[1] * along + matrix[5]) <= kFarthest;
+    const std::size_t direction = Top().text.font->handler->IsVertical() ? 2 : 0;
+    return std::abs(matrix.at(direction) * along + matrix[4]) <= kFarthest &&
+           std::abs(matrix.at(direction + 1) * along + matrix[5]) <= kFarthest;
 }
 
 void ContentInterpreter::KeepForClip(const TextPlace& place, std::string_view codes) {
@@ -286,9 +318,11 @@ void ContentInterpreter::DrawText(const TextPlace& place, std::string_view codes
     state.fontSelector = wanted.font->selector;
     state.fontSize = wanted.size;
     // Nothing follows the last glyph.
-    const std::string_view spaced = codes.substr(0, codes.size() - 1);
+    const std::size_t step = wanted.font->handler->CodeBytes();
+    const std::string_view spaced = codes.substr(0, codes.size() - step);
+    const bool hasSpace = step == 1 && spaced.find(' ') != std::string_view::npos;
     state.charSpacing = spaced.empty() ? 0.0F : place.charSpacing;
-    state.wordSpacing = spaced.find(' ') == std::string_view::npos ? 0.0F : place.wordSpacing;
+    state.wordSpacing = hasSpace ? place.wordSpacing : 0.0F;
     state.textRendering = rendering;
     TextObject& text = mFrame.text;
     if (!text.isOpen) {

@@ -55,45 +55,68 @@ private:
     double mSum = 0.0;
 };
 
+// The characters of host text.
+struct Characters {
+    const HOST::DocumentFont& font;
+    std::string_view text;
+
+    [[nodiscard]] std::size_t Count() const { return text.size() / font.CodeBytes(); }
+
+    std::uint16_t operator[](std::size_t index) const {
+        const auto byte = [this](std::size_t i) {
+            return static_cast<unsigned>(static_cast<std::uint8_t>(text[i]));
+        };
+        return static_cast<std::uint16_t>(
+            font.CodeBytes() == 1 ? byte(index) : byte(2 * index) << 8U | byte(2 * index + 1));
+    }
+
+    // Whether word spacing follows the character.
+    [[nodiscard]] bool IsSpace(std::size_t index) const {
+        return font.CodeBytes() == 1 && text[index] == kSpace;
+    }
+};
+
 // Each glyph's own advance goes out, in three digits. Interpreters take them for vertical ones,
 // too, where the first glyph has none, which therefore stands alone.
-std::size_t PositionedLength(const TextPlace& place, std::string_view codes,
-                             const std::array<float, kMaxPiece>& advances) {
+std::size_t PositionedCount(const TextPlace& place, const Characters& characters,
+                            const std::array<float, kMaxPiece>& advances) {
     const SelectedFont& selection = place.selection;
-    if (advances[0] == 0.0F && selection.linear[1] != 0.0F) {
+    const std::size_t direction = characters.font.IsVertical() ? 2 : 0;
+    if (advances[0] == 0.0F && selection.linear.at(direction + 1) != 0.0F) {
         return 1;
     }
-    Rounding x(place, 0);
-    Rounding y(place, 1);
+    Rounding x(place, direction);
+    Rounding y(place, direction + 1);
     const double tolerance = kTolerance * static_cast<double>(selection.size) *
-                             std::hypot(static_cast<double>(selection.linear[0]),
-                                        static_cast<double>(selection.linear[1]));
-    for (std::size_t i = 0; i < codes.size(); ++i) {
+                             std::hypot(static_cast<double>(selection.linear.at(direction)),
+                                        static_cast<double>(selection.linear.at(direction + 1)));
+    for (std::size_t i = 0; i < characters.Count(); ++i) {
         const double advance =
-            static_cast<double>(std::abs(advances[i])) * static_cast<double>(selection.size) +
+            static_cast<double>(direction == 0 ? std::abs(advances[i]) : advances[i]) *
+                static_cast<double>(selection.size) +
             static_cast<double>(place.charSpacing) +
-            (codes[i] == kSpace ? static_cast<double>(place.wordSpacing) : 0.0);
+            (characters.IsSpace(i) ? static_cast<double>(place.wordSpacing) : 0.0);
         const double dx = x.Add(advance);
         const double dy = y.Add(advance);
         if (std::hypot(dx, dy) > tolerance) {
             return i + 1;
         }
     }
-    return codes.size();
+    return characters.Count();
 }
 
 // The font's own advances count: up to where they lead away.
-std::size_t DriftLength(const HOST::SimpleFont& font, std::string_view codes) {
+std::size_t DriftCount(const Characters& characters) {
     double drift = 0.0;
-    for (std::size_t i = 0; i < codes.size(); ++i) {
-        const auto code = static_cast<std::uint8_t>(codes[i]);
-        const float written = font.WrittenWidthAt(code);
-        drift += static_cast<double>(written - font.WidthAt(code));
-        if (written < 0.0F || std::abs(drift) > kTolerance) {
+    for (std::size_t i = 0; i < characters.Count(); ++i) {
+        const std::uint16_t code = characters[i];
+        const std::optional<float> written = characters.font.WrittenAdvanceAt(code);
+        drift += static_cast<double>(written.value_or(0.0F) - characters.font.AdvanceAt(code));
+        if (!written || std::abs(drift) > kTolerance) {
             return i + 1;
         }
     }
-    return codes.size();
+    return characters.Count();
 }
 
 }  // namespace
@@ -127,21 +150,29 @@ std::optional<TextPlace> Place(const TextState& text, const std::array<double, 6
 }
 
 double AdvanceOf(const TextState& text, std::string_view codes) {
-    const HOST::SimpleFont& font = *text.font->handler;
+    const Characters characters{*text.font->handler, codes};
     double ems = 0.0;
-    for (const char code : codes) {
-        ems += static_cast<double>(font.WidthAt(static_cast<std::uint8_t>(code)));
+    double spaces = 0.0;
+    for (std::size_t i = 0; i < characters.Count(); ++i) {
+        ems += static_cast<double>(characters.font.AdvanceAt(characters[i]));
+        spaces += characters.IsSpace(i) ? 1.0 : 0.0;
     }
-    const auto spaces = static_cast<double>(std::count(codes.begin(), codes.end(), kSpace));
     return (ems * static_cast<double>(text.size) +
-            static_cast<double>(codes.size()) * static_cast<double>(text.charSpacing) +
+            static_cast<double>(characters.Count()) * static_cast<double>(text.charSpacing) +
             spaces * static_cast<double>(text.wordSpacing)) *
-           static_cast<double>(text.scaling);
+           ScalingAlong(text);
+}
+
+double ScalingAlong(const TextState& text) {
+    const bool isVertical = text.font != nullptr && text.font->handler->IsVertical();
+    return isVertical ? 1.0 : static_cast<double>(text.scaling);
 }
 
 std::size_t PieceLength(const TextPlace& place, std::string_view codes) {
     const Font& font = *place.selection.font;
-    codes = codes.substr(0, kMaxPiece);
+    const std::size_t step = font.handler->CodeBytes();
+    codes = codes.substr(0, kMaxPiece / step * step);
+    const Characters characters{*font.handler, codes};
     std::array<float, kMaxPiece> horizontal{};
     std::array<float, kMaxPiece> vertical{};
     auto count = static_cast<std::int32_t>(kMaxPiece);
@@ -149,9 +180,10 @@ std::size_t PieceLength(const TextPlace& place, std::string_view codes) {
         !font.isResident &&
         font.handler->GetAdvances(codes.data(), static_cast<std::int32_t>(codes.size()),
                                   horizontal.data(), vertical.data(), &count) &&
-        count == static_cast<std::int32_t>(codes.size());
-    return isPositioned ? PositionedLength(place, codes, horizontal)
-                        : DriftLength(*font.handler, codes);
+        count == static_cast<std::int32_t>(characters.Count());
+    const auto& advances = font.handler->IsVertical() ? vertical : horizontal;
+    return step *
+           (isPositioned ? PositionedCount(place, characters, advances) : DriftCount(characters));
 }
 
 }  // namespace VANTIX::PDF

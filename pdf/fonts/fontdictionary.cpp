@@ -47,6 +47,27 @@ std::string FontKey(const QPDFObjectHandle& dictionary) {
     return object.isIndirect() ? object.getObjGen().unparse(' ') : object.unparseResolved();
 }
 
+CodeTexts ReadTexts(const QPDFObjectHandle& dictionary) {
+    QPDFObjectHandle cmap = Get(dictionary, "/ToUnicode");
+    std::string text;
+    if (cmap.isStream()) {
+        AppendStreamData(cmap, text, kLargestCMap);
+    }
+    return ReadToUnicode(text);
+}
+
+HOST::FontDescription DescribeFont(const FontDictionary& font) {
+    HOST::FontDescription description;
+    description.family = font.family.empty() ? font.name : font.family;
+    description.italicAngle = font.italicAngle;
+    description.isFixedPitch = font.isFixedPitch;
+    description.isBold = font.isBold;
+    description.horizontalStem = font.stemH;
+    description.verticalStem = font.stemV;
+    description.box = font.box;
+    return description;
+}
+
 FontDictionary::FontDictionary(const QPDFObjectHandle& dictionary)
     : subtype(NameOf(Get(dictionary, "/Subtype"))),
       baseFont(NameOf(Get(dictionary, "/BaseFont"))),
@@ -62,12 +83,7 @@ FontDictionary::FontDictionary(const QPDFObjectHandle& dictionary)
     name = isSubset ? baseFont.substr(kTagWithPlus) : baseFont;
     ReadDescriptor(descriptor);
     ReadWidths(dictionary, descriptor);
-    QPDFObjectHandle cmap = Get(dictionary, "/ToUnicode");
-    std::string text;
-    if (cmap.isStream()) {
-        AppendStreamData(cmap, text, kLargestCMap);
-        texts = ReadToUnicode(text);
-    }
+    texts = ReadTexts(dictionary);
 }
 
 void FontDictionary::ReadDescriptor(const QPDFObjectHandle& descriptor) {

@@ -16,7 +16,11 @@ namespace VANTIX::PDF {
 /// Tells fonts apart: indirect ones by their number, direct ones by what they hold.
 std::string FontKey(const QPDFObjectHandle& dictionary);
 
-/// What the dictionary of a simple font and its descriptor say (PDF Reference, 5.5 and 5.7).
+/// The texts by its /ToUnicode.
+CodeTexts ReadTexts(const QPDFObjectHandle& dictionary);
+
+/// What the dictionary of a simple font, or of a CIDFont, and its descriptor say (PDF
+/// Reference, 5.5 and 5.7).
 struct FontDictionary {
     explicit FontDictionary(const QPDFObjectHandle& dictionary);
 
@@ -48,5 +52,8 @@ private:
     void ReadWidths(const QPDFObjectHandle& dictionary, const QPDFObjectHandle& descriptor);
     void ReadDescriptor(const QPDFObjectHandle& descriptor);
 };
+
+/// What any font is described by, but for its name.
+HOST::FontDescription DescribeFont(const FontDictionary& font);
 
 }  // namespace VANTIX::PDF

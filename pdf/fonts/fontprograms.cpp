@@ -37,56 +37,95 @@ bool IsCff(const std::vector<std::uint8_t>& bytes) {
 }  // namespace
 
 std::size_t FontProgram::FileSize() const {
-    return type1 ? type1->FileSize() : (trueType ? trueType->FileSize() : 0);
+    if (type1 || cff) {
+        return type1 ? type1->FileSize() : cff->FileSize();
+    }
+    return trueType ? trueType->FileSize() : 0;
 }
 
 std::shared_ptr<const HOST::SimpleProgram> FontProgram::Simple() const {
     if (type1) {
         return type1;
     }
+    if (cff) {
+        return cff;
+    }
     return trueType;
 }
 
-const FontProgram& FontPrograms::Embedded(const QPDFObjectHandle& stream, const std::string& name) {
-    const std::string key = QPDFObjectHandle(stream).getObjGen().unparse(' ');
-    const auto known = mPrograms.find(key);
-    if (known != mPrograms.end()) {
-        return known->second;
+HOST::NamedProgram* FontProgram::Named() const {
+    return type1 ? static_cast<HOST::NamedProgram*>(type1.get()) : cff.get();
+}
+
+const FontProgram& FontPrograms::Embedded(const QPDFObjectHandle& stream, const std::string& name,
+                                          FontUse use) {
+    const std::string shared = QPDFObjectHandle(stream).getObjGen().unparse(' ');
+    const std::string own = shared + (use == FontUse::kSimple ? " names" : " CIDs");
+    for (const std::string& key : {shared, own}) {
+        const auto known = mPrograms.find(key);
+        if (known != mPrograms.end()) {
+            return known->second;
+        }
     }
     std::string data;
     if (AppendStreamData(stream, data, kLargestProgram) == StreamResult::kTooLarge) {
         data.clear();
     }
-    return Open(key, {data.begin(), data.end()}, name);
+    std::vector<std::uint8_t> bytes(data.begin(), data.end());
+    const std::string& key = IsCff(bytes) ? own : shared;
+    return Open(key, std::move(bytes), name, use);
 }
 
 const FontProgram& FontPrograms::Installed(const HOST::FoundFont& font) {
     const auto known = mPrograms.find(font.path);
-    return known != mPrograms.end() ? known->second : Open(font.path, font.bytes, font.name);
+    return known != mPrograms.end() ? known->second
+                                    : Open(font.path, font.bytes, font.name, FontUse::kSimple);
 }
 
 const FontProgram& FontPrograms::Open(const std::string& key, std::vector<std::uint8_t> bytes,
-                                      const std::string& name) {
+                                      const std::string& name, FontUse use) {
     FontProgram program;
     program.name = UniqueName(bytes, name);
-    program.isCff = IsCff(bytes);
     if (bytes.empty()) {
         program.problem = "its data cannot be read";
     } else if (IsTrueType(bytes)) {
         program.trueType = HOST::TrueTypeProgram::Open(std::move(bytes), program.problem);
-    } else if (program.isCff) {
-        program.problem = "fonts in CFF are not read yet";
+    } else if (IsCff(bytes)) {
+        OpenCff(std::move(bytes), use, program);
     } else {
         program.type1 = HOST::Type1Program::Open(std::move(bytes), program.problem);
     }
     if (program.type1) {
         program.type1->Rename(program.name);
-        program.type1->UseText(mTextOnly);
+        program.type1->UseText(mOptions.textOnly);
     }
     if (program.trueType) {
-        program.trueType->ExpectConversion(!mTrueType);
+        program.trueType->ExpectConversion(!mOptions.trueType);
     }
     return mPrograms.emplace(key, std::move(program)).first->second;
+}
+
+// At level 3 CFF goes out in binary, and whole: so what must be text, or has flaws that would end a
+// job, becomes Type 1 here, as it does everywhere at level 2.
+void FontPrograms::OpenCff(std::vector<std::uint8_t> bytes, FontUse use,
+                           FontProgram& program) const {
+    constexpr std::int32_t kFontSetLevel = 3;
+    program.cff = HOST::CffProgram::Open(std::move(bytes), program.problem);
+    if (!program.cff || use == FontUse::kComposite) {
+        return;
+    }
+    if (program.cff->IsCidKeyed()) {
+        program.cff = nullptr;
+        program.problem = "its glyphs have no names";
+    } else if (mOptions.languageLevel < kFontSetLevel) {
+        program.cff->Rename(program.name);
+        program.cff->ExpectConversion(true);
+    } else if (mOptions.textOnly || !program.cff->IsSound()) {
+        program.type1 = HOST::Type1Program::Open(program.cff->AsType1(), program.problem);
+        program.cff = nullptr;
+    } else {
+        program.cff->Rename(program.name);
+    }
 }
 
 // A subset called Helvetica must not take the place of the interpreter's own font.

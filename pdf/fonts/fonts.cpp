@@ -9,6 +9,7 @@
 
 #include "core/fonts/ifontancillaries.h"
 #include "pdf/annotations.h"
+#include "pdf/fonts/compositefont.h"
 #include "pdf/fonts/fontdictionary.h"
 #include "pdf/fonts/fontsources.h"
 #include "pdf/fonts/fontwalker.h"
@@ -26,16 +27,26 @@ constexpr std::size_t kLargeProgram = std::size_t{64} << 10U;
 
 constexpr std::size_t kMostFonts = 65535;
 
+bool IsComposite(const QPDFObjectHandle& dictionary) {
+    return NameOf(Get(dictionary, "/Subtype")) == "Type0";
+}
+
 bool IsSimple(const QPDFObjectHandle& dictionary) {
-    const std::string subtype = NameOf(Get(dictionary, "/Subtype"));
-    return subtype != "Type0" && subtype != "Type3";
+    return !IsComposite(dictionary) && NameOf(Get(dictionary, "/Subtype")) != "Type3";
+}
+
+/// Whether every character that is shown tells what it means.
+bool IsExtractable(const HOST::CIDFont& font) {
+    const auto& characters = font.Characters();
+    return std::all_of(characters.begin(), characters.end(),
+                       [](const HOST::CIDCharacter& each) { return each.unicode != 0; });
 }
 
 /// Says why text in a font that was not taken in is left out.
 void WarnOfKind(const QPDFObjectHandle& dictionary, Reporter& reporter) {
     const std::string subtype = NameOf(Get(dictionary, "/Subtype"));
     if (subtype == "Type0") {
-        reporter.Warn("font-composite", "Text in composite fonts is left out");
+        reporter.Warn("font-composite", "Text in a composite font without glyphs is left out");
     } else if (subtype == "Type3") {
         reporter.Warn("font-type3", "Text in Type 3 fonts is left out");
     } else {
@@ -54,18 +65,21 @@ std::string Identity(const HOST::SimpleFontDescription& description) {
 }
 
 /// Bytes of the program that a handler hands over: asked for last, since that finishes it.
-std::uint64_t ProgramSize(HOST::SimpleFont& handler) {
+std::uint64_t ProgramSize(HOST::DocumentFont& handler) {
     const auto* data = FindInterface<GRAPHICS::IFontData>(&handler, GRAPHICS::IID_IFONTDATA);
     return data == nullptr ? 0 : static_cast<std::uint64_t>(std::max(data->GetSize(), 0));
 }
 
 }  // namespace
 
-bool Font::HasOutline(std::uint8_t code) const {
-    if (!program || !handler) {
+bool Font::HasOutline(std::uint16_t code) const {
+    if (composite != nullptr) {
+        return composite->HasOutline(code);
+    }
+    if (!program || simple == nullptr) {
         return true;
     }
-    const std::string& glyph = handler->Description().encoding[code];
+    const std::string& glyph = simple->Description().encoding.at(code);
     return program->HasOutline(glyph.empty() ? ".notdef" : glyph);
 }
 
@@ -79,7 +93,9 @@ struct Fonts::Parts {
     struct Entry {
         std::string key;
         int page = 0;  ///< the first that has it, from 1
+        /// Of a simple font, or of a composite one.
         std::optional<FontDictionary> dictionary;
+        std::optional<CompositeDictionary> composite;
         FontSource source;
         std::optional<Font> font;
     };
@@ -91,14 +107,21 @@ struct Fonts::Parts {
     std::vector<Appearance> AppearancesOf(const Page& page);
     [[nodiscard]] static bool NeedsScan(const Entry& entry);
     /// By font, where it is known.
-    using Shown = std::optional<std::map<std::string, CodeSet>>;
+    using Shown = std::optional<std::map<std::string, ShownCodes>>;
     /// Reads the pages for what they show, where a font asks for it.
     Shown Scan();
     /// The codes that become glyphs; none for a font that shows nothing.
     static CodeSet CodesOf(const Entry& entry, const Shown& shown);
+    static std::set<CharCode> CompositeCodesOf(const Entry& entry, const Shown& shown);
+    void ChooseSources(const Shown* shown);
     /// The font of an entry, new or one that was made for an equal dictionary.
     const Font& Make(const Entry& entry, const CodeSet& codes);
+    /// The font of an entry that shows these codes; without a handler where nothing has glyphs.
+    Font MakeComposite(const Entry& entry, const std::set<CharCode>& codes);
+    std::optional<Font> FontOf(const Entry& entry, const Shown& shown);
     [[nodiscard]] FontRecord RecordOf(const Entry& entry) const;
+    /// What is known of a font once its program is finished.
+    static void CompleteRecord(const Font& font, FontRecord& record);
 
     FontOptions options;
     Reporter& reporter;
@@ -109,6 +132,9 @@ struct Fonts::Parts {
     std::vector<Entry> entries;
     std::map<std::string, std::size_t> index;  ///< of the entries by their keys
     std::map<std::string, Font> made;          ///< by what makes fonts equal
+    std::map<std::string, TInterfacePtr<HOST::CIDFont>> composites;  ///< by what they share
+    CMaps cmaps;
+    std::int32_t lastSelector = 0;
 };
 
 Fonts::Fonts(FontOptions options, Reporter& reporter)
@@ -135,32 +161,29 @@ void Fonts::Collect(PdfDocument& document, int page) {
 // Names are given to glyphs by all fonts of a program before any of its data is asked for.
 bool Fonts::Finish(std::string& error) {
     Parts& parts = *mParts;
-    for (Parts::Entry& entry : parts.entries) {
-        parts.reporter.SetPage(entry.page);
-        entry.source = parts.sources.Choose(*entry.dictionary);
-    }
-    parts.reporter.SetPage(0);
+    parts.ChooseSources(nullptr);
     error = parts.sources.Failure();
     if (!error.empty()) {
         return false;
     }
-    const auto shown = parts.Scan();
-    std::vector<HOST::SimpleFont*> handlers;
+    const Parts::Shown shown = parts.Scan();
+    parts.ChooseSources(&shown);
+    error = parts.sources.Failure();
+    if (!error.empty()) {
+        return false;
+    }
+    std::vector<const Font*> fonts;
     for (Parts::Entry& entry : parts.entries) {
-        const CodeSet codes = Parts::CodesOf(entry, shown);
-        const std::size_t before = parts.made.size();
-        if (codes.none()) {
-            continue;
-        }
-        entry.font = parts.Make(entry, codes);
-        if (parts.made.size() > before) {
+        const std::int32_t before = parts.lastSelector;
+        entry.font = parts.FontOf(entry, shown);
+        if (parts.lastSelector > before) {
             mBroker->Add(entry.font->handler, entry.font->selector);
             mRecords.push_back(parts.RecordOf(entry));
-            handlers.push_back(entry.font->handler.Get());
+            fonts.push_back(&*entry.font);
         }
     }
-    for (std::size_t i = 0; i < handlers.size(); ++i) {
-        mRecords[i].bytes = ProgramSize(*handlers[i]);
+    for (std::size_t i = 0; i < fonts.size(); ++i) {
+        parts.CompleteRecord(*fonts[i], mRecords[i]);
     }
     return true;
 }
@@ -176,16 +199,43 @@ const Font* Fonts::Find(const QPDFObjectHandle& dictionary) {
     return font && font->handler ? &*font : nullptr;
 }
 
+// Those of composite fonts, which stand in for some characters, once these are known.
+void Fonts::Parts::ChooseSources(const Shown* shown) {
+    for (Entry& entry : entries) {
+        reporter.SetPage(entry.page);
+        if (shown == nullptr && entry.dictionary) {
+            entry.source = sources.Choose(*entry.dictionary);
+        } else if (shown != nullptr && entry.composite) {
+            const auto codes = CompositeCodesOf(entry, *shown);
+            if (!codes.empty()) {
+                entry.source = sources.ChooseForCIDs(entry.composite->descendant,
+                                                     entry.composite->CharactersOf(codes));
+            }
+        }
+    }
+    reporter.SetPage(0);
+}
+
 void Fonts::Parts::Take(const QPDFObjectHandle& dictionary, int page) {
     std::string key = FontKey(dictionary);
-    if (!IsSimple(dictionary) || entries.size() >= kMostFonts || index.contains(key)) {
+    const bool isComposite = IsComposite(dictionary);
+    if (entries.size() >= kMostFonts || index.contains(key) ||
+        !(isComposite || IsSimple(dictionary))) {
         return;
     }
-    index.emplace(key, entries.size());
-    Entry& entry = entries.emplace_back();
-    entry.key = std::move(key);
+    Entry entry;
+    entry.key = key;
     entry.page = page;
-    entry.dictionary.emplace(dictionary);
+    if (isComposite) {
+        entry.composite.emplace(dictionary, cmaps);
+        if (!entry.composite->IsUsable()) {
+            return;
+        }
+    } else {
+        entry.dictionary.emplace(dictionary);
+    }
+    index.emplace(std::move(key), entries.size());
+    entries.push_back(std::move(entry));
 }
 
 std::vector<Appearance> Fonts::Parts::AppearancesOf(const Page& page) {
@@ -194,6 +244,9 @@ std::vector<Appearance> Fonts::Parts::AppearancesOf(const Page& page) {
 }
 
 bool Fonts::Parts::NeedsScan(const Entry& entry) {
+    if (entry.composite) {
+        return true;
+    }
     const FontProgram* program = entry.source.program;
     return program != nullptr && (!entry.dictionary->isSubset || !entry.source.isEmbedded ||
                                   program->FileSize() >= kLargeProgram);
@@ -203,7 +256,11 @@ Fonts::Parts::Shown Fonts::Parts::Scan() {
     if (std::none_of(entries.begin(), entries.end(), NeedsScan)) {
         return std::nullopt;
     }
-    TextScanner scanner;
+    TextScanner scanner([this](const std::string& key) -> const CMap* {
+        const auto found = index.find(key);
+        const bool isComposite = found != index.end() && entries[found->second].composite;
+        return isComposite ? entries[found->second].composite->cmap.get() : nullptr;
+    });
     for (const Page& page : pages) {
         const QPDFObjectHandle resources = page.document->Attribute(page.index, "/Resources");
         scanner.ScanPage(page.document->Attribute(page.index, "/Contents"), resources);
@@ -219,7 +276,24 @@ CodeSet Fonts::Parts::CodesOf(const Entry& entry, const Shown& shown) {
         return DescribedCodes(*entry.dictionary);
     }
     const auto found = shown->find(entry.key);
-    return found == shown->end() ? CodeSet() : found->second;
+    return found == shown->end() ? CodeSet() : found->second.Simple();
+}
+
+std::set<CharCode> Fonts::Parts::CompositeCodesOf(const Entry& entry, const Shown& shown) {
+    if (!shown) {
+        return entry.composite->AllCodes();
+    }
+    const auto found = shown->find(entry.key);
+    return found == shown->end() ? std::set<CharCode>() : found->second.Composite();
+}
+
+std::optional<Font> Fonts::Parts::FontOf(const Entry& entry, const Shown& shown) {
+    if (entry.composite) {
+        const std::set<CharCode> codes = CompositeCodesOf(entry, shown);
+        return codes.empty() ? std::nullopt : std::optional(MakeComposite(entry, codes));
+    }
+    const CodeSet codes = CodesOf(entry, shown);
+    return codes.none() ? std::nullopt : std::optional(Make(entry, codes));
 }
 
 const Font& Fonts::Parts::Make(const Entry& entry, const CodeSet& codes) {
@@ -227,9 +301,10 @@ const Font& Fonts::Parts::Make(const Entry& entry, const CodeSet& codes) {
     HOST::SimpleFontDescription description = DescribeSimpleFont(dictionary, entry.source, codes);
     Font& font = made[Identity(description)];
     if (!font.handler) {
-        description.selector = static_cast<std::int32_t>(made.size());
-        font.selector = description.selector;
-        font.handler = MakeSimpleFont(dictionary, entry.source, std::move(description));
+        font.selector = description.selector = ++lastSelector;
+        const auto handler = MakeSimpleFont(dictionary, entry.source, std::move(description));
+        font.simple = handler.Get();
+        font.handler = handler;
         font.name = font.handler->GetName();
         font.isResident = entry.source.program == nullptr;
         font.program = font.isResident ? nullptr : entry.source.program->Simple();
@@ -237,18 +312,49 @@ const Font& Fonts::Parts::Make(const Entry& entry, const CodeSet& codes) {
     return font;
 }
 
+Font Fonts::Parts::MakeComposite(const Entry& entry, const std::set<CharCode>& codes) {
+    const CompositeDictionary& dictionary = *entry.composite;
+    auto& handler = composites[HandlerKey(dictionary, entry.source)];
+    if (!handler) {
+        handler = MakeCompositeFont(dictionary, entry.source, lastSelector + 1);
+        lastSelector += handler ? 1 : 0;
+    }
+    Font font;
+    if (handler) {
+        font.codes = EnterCodes(dictionary, entry.source, codes, *handler);
+        font.selector = handler->Description().selector;
+        font.composite = handler.Get();
+        font.handler = handler;
+        font.name = handler->GetName();
+        font.isResident = entry.source.program == nullptr;
+    }
+    return font;
+}
+
 FontRecord Fonts::Parts::RecordOf(const Entry& entry) const {
-    const bool isTrueType = entry.source.program != nullptr && entry.source.program->trueType;
+    const FontDictionary& dictionary =
+        entry.composite ? entry.composite->descendant : *entry.dictionary;
+    const FontProgram* program = entry.source.program;
+    const bool isTrueType = program != nullptr && program->trueType && options.trueType;
+    const bool isFontSet = program != nullptr && program->cff && options.languageLevel == 3;
     FontRecord record;
-    record.name = entry.dictionary->baseFont;
-    record.kind = entry.dictionary->subtype;
-    record.kindOut = isTrueType && options.trueType ? "Type42" : "Type1";
-    record.source = entry.source.program == nullptr
-                        ? "resident"
-                        : (entry.source.isEmbedded ? "embedded" : "substituted");
+    record.name = dictionary.baseFont;
+    record.kind = dictionary.subtype;
+    record.kindOut = isTrueType ? "Type42" : (isFontSet ? "FontSet" : "Type1");
+    record.source =
+        program == nullptr ? "resident" : (entry.source.isEmbedded ? "embedded" : "substituted");
     record.substitute = entry.source.name;
-    record.isExtractable = IsExtractable(entry.font->handler->Description());
     return record;
+}
+
+void Fonts::Parts::CompleteRecord(const Font& font, FontRecord& record) {
+    record.bytes = ProgramSize(*font.handler);
+    if (font.composite != nullptr) {
+        record.kindOut = "CIDFontType" + std::to_string(font.composite->WrittenCIDFontType());
+        record.isExtractable = IsExtractable(*font.composite);
+    } else {
+        record.isExtractable = IsExtractable(font.simple->Description());
+    }
 }
 
 }  // namespace VANTIX::PDF

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/fonts/cidfont.h"
 #include "host/fonts/fontbroker.h"
 #include "host/fonts/simplefont.h"
 #include "pdf/pdfdocument.h"
@@ -39,26 +40,34 @@ struct FontOptions {
 struct FontRecord {
     std::string name;         ///< as the document has it
     std::string kind;         ///< "Type1", "TrueType", …
-    std::string kindOut;      ///< "Type1" or "Type42"
+    std::string kindOut;      ///< "Type1", "Type42", "FontSet", "CIDFontType0" or "CIDFontType2"
     std::string source;       ///< "embedded", "substituted" or "resident"
     std::string substitute;   ///< the font that stands in or is resident
     std::uint64_t bytes = 0;  ///< of the program as it is handed over
     bool isExtractable = false;
 };
 
+class CompositeCodes;
+
 /// A font of the document, ready to be shown.
 struct Font {
     /// Null for one that cannot be shown: its text is left out.
-    TInterfacePtr<HOST::SimpleFont> handler;
+    TInterfacePtr<HOST::DocumentFont> handler;
+    /// The handler by its kind, of which there is one.
+    const HOST::SimpleFont* simple = nullptr;
+    const HOST::CIDFont* composite = nullptr;
+    /// Of a composite font: they lead from its text to that of the handler.
+    std::shared_ptr<const CompositeCodes> codes;
     /// For `SetFont` of the graphics state: `handler->GetName()`, and its number.
     std::string name;
     std::int32_t selector = 0;
     /// The interpreter is to have it: advances are the reader's business.
     bool isResident = false;
-    std::shared_ptr<const HOST::SimpleProgram> program;  ///< null for a resident one
+    std::shared_ptr<const HOST::SimpleProgram>
+        program;  ///< of a simple one; null where it is resident
 
-    /// Whether the glyph at a code marks anything; true where it is unknown.
-    [[nodiscard]] bool HasOutline(std::uint8_t code) const;
+    /// Whether the glyph at a code of host text marks anything; true where it is unknown.
+    [[nodiscard]] bool HasOutline(std::uint16_t code) const;
 };
 
 /// The fonts of the printed pages: all are collected before the first page is played, since a job

@@ -29,7 +29,7 @@ std::string LikelyStandardFont(const FontDictionary& font) {
 
 FontSource FontSources::Choose(const FontDictionary& font) {
     FontSource source;
-    if (UseOwn(font, source) || UseFile(font, source)) {
+    if (UseOwn(font, FontUse::kSimple, source) || UseFile(font, source)) {
         return source;
     }
     const std::optional<std::string_view> standard = HOST::StandardFontOf(font.name);
@@ -55,6 +55,38 @@ FontSource FontSources::Choose(const FontDictionary& font) {
     return source;
 }
 
+FontSource FontSources::ChooseForCIDs(const FontDictionary& font,
+                                      const std::set<char32_t>& characters) {
+    FontSource source;
+    if (UseOwn(font, FontUse::kComposite, source) && !source.program->type1) {
+        return source;
+    }
+    source = {};
+    if (UseFile(font, source)) {
+        if (!source.program->trueType) {
+            mBadFile = "--font " + font.name + ": composite fonts take TrueType alone";
+        }
+        return source;
+    }
+    const bool isMissing = !QPDFObjectHandle(font.program).isStream();
+    if (mOptions.missing == MissingFonts::kFail) {
+        mMissing.insert(font.name);
+        return source;
+    }
+    std::string what;
+    if (mOptions.missing == MissingFonts::kSubstitute &&
+        UseInstalledWith(font, characters, source)) {
+        what = source.name + " stands in";
+    } else {
+        source.name = font.name;
+        what = font.name.empty() ? "its text is left out" : "it has to be resident";
+    }
+    if (isMissing) {
+        mReporter.Warn("font-missing", Title(font) + " is not embedded: " + what);
+    }
+    return source;
+}
+
 std::string FontSources::Failure() const {
     if (!mBadFile.empty() || mMissing.empty()) {
         return mBadFile;
@@ -66,13 +98,13 @@ std::string FontSources::Failure() const {
     return text;
 }
 
-bool FontSources::UseOwn(const FontDictionary& font, FontSource& source) {
+bool FontSources::UseOwn(const FontDictionary& font, FontUse use, FontSource& source) {
     if (!QPDFObjectHandle(font.program).isStream()) {
         return false;
     }
-    const FontProgram& program = mPrograms.Embedded(font.program, font.name);
+    const FontProgram& program = mPrograms.Embedded(font.program, font.name, use);
     if (!program.IsUsable()) {
-        mReporter.Warn(program.isCff ? "font-cff" : "font-damaged",
+        mReporter.Warn("font-damaged",
                        Title(font) + " is not used as it is embedded: " + program.problem);
         return false;
     }
@@ -120,6 +152,20 @@ bool FontSources::UseInstalled(const FontDictionary& font, FontSource& source) {
         mReporter.Warn("font-missing",
                        Title(font) + " is not embedded: " + source.name + " stands in");
     }
+    return true;
+}
+
+bool FontSources::UseInstalledWith(const FontDictionary& font, const std::set<char32_t>& characters,
+                                   FontSource& source) {
+    const std::optional<HOST::FoundFont> found = HOST::FindInstalledFontWith(
+        {font.name, font.isSerif, font.isFixedPitch, font.isItalic, font.isBold, false},
+        characters);
+    const FontProgram* program = found ? &mPrograms.Installed(*found) : nullptr;
+    if (program == nullptr || !program->trueType) {
+        return false;
+    }
+    source.program = program;
+    source.name = found->name;
     return true;
 }
 

@@ -27,17 +27,23 @@ struct FontSource {
 class FontSources {
 public:
     FontSources(const FontOptions& options, Reporter& reporter)
-        : mOptions(options), mReporter(reporter), mPrograms(options.textOnly, options.trueType) {}
+        : mOptions(options), mReporter(reporter), mPrograms(options) {}
 
     FontSource Choose(const FontDictionary& font);
+
+    /// For the descendant of a composite font that shows these characters: a TrueType program, or
+    /// a font that the interpreter is to have.
+    FontSource ChooseForCIDs(const FontDictionary& font, const std::set<char32_t>& characters);
 
     /// What ends the run; empty when nothing does.
     [[nodiscard]] std::string Failure() const;
 
 private:
-    bool UseOwn(const FontDictionary& font, FontSource& source);
+    bool UseOwn(const FontDictionary& font, FontUse use, FontSource& source);
     bool UseFile(const FontDictionary& font, FontSource& source);
     bool UseInstalled(const FontDictionary& font, FontSource& source);
+    bool UseInstalledWith(const FontDictionary& font, const std::set<char32_t>& characters,
+                          FontSource& source);
 
     const FontOptions& mOptions;
     Reporter& mReporter;

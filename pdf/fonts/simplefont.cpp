@@ -21,9 +21,9 @@ GlyphNames OwnNames(const FontDictionary& font, const FontSource& source) {
     if (!source.standard.empty()) {
         return GlyphNamesOf(HOST::EncodingOfStandardFont(source.standard));
     }
-    const bool hasNames = source.program != nullptr && source.program->type1;
-    return hasNames && (source.isEmbedded || HasOwnEncoding(font))
-               ? source.program->type1->Encoding()
+    const HOST::NamedProgram* named = source.program == nullptr ? nullptr : source.program->Named();
+    return named != nullptr && (source.isEmbedded || HasOwnEncoding(font))
+               ? named->Encoding()
                : GlyphNamesOf(HOST::BaseEncoding::kStandard);
 }
 
@@ -47,9 +47,9 @@ std::string GlyphCalled(const HOST::SimpleProgram& program, const std::string& n
     return !standard.empty() && program.WidthOf(standard) >= 0.0F ? standard : std::string();
 }
 
-void UseType1Glyphs(const FontDictionary& font, const FontSource& source, const CodeSet& codes,
+void UseNamedGlyphs(const FontDictionary& font, const FontSource& source, const CodeSet& codes,
                     GlyphNames& encoding) {
-    HOST::Type1Program& program = *source.program->type1;
+    HOST::NamedProgram& program = *source.program->Named();
     const GlyphNames names = font.encoding.Names(OwnNames(font, source));
     for (std::size_t code = 0; code < names.size(); ++code) {
         if (!codes[code]) {
@@ -111,20 +111,14 @@ CodeSet DescribedCodes(const FontDictionary& font) {
 HOST::SimpleFontDescription DescribeSimpleFont(const FontDictionary& font, const FontSource& source,
                                                const CodeSet& codes) {
     HOST::SimpleFontDescription description;
+    static_cast<HOST::FontDescription&>(description) = DescribeFont(font);
     description.name = source.program != nullptr ? source.program->name : source.name;
-    description.family = font.family.empty() ? font.name : font.family;
-    description.italicAngle = font.italicAngle;
-    description.isFixedPitch = font.isFixedPitch;
-    description.isBold = font.isBold;
-    description.horizontalStem = font.stemH;
-    description.verticalStem = font.stemV;
-    description.box = font.box;
     description.widths = font.widths;
     if (source.program == nullptr) {
         description.encoding = font.encoding.Names(OwnNames(font, source));
-    } else if (source.program->type1) {
-        description.box = source.program->type1->Box();
-        UseType1Glyphs(font, source, codes, description.encoding);
+    } else if (const HOST::NamedProgram* named = source.program->Named()) {
+        description.box = named->Box();
+        UseNamedGlyphs(font, source, codes, description.encoding);
     } else {
         description.box = source.program->trueType->Box();
         UseTrueTypeGlyphs(font, source, codes, description.encoding);
@@ -134,10 +128,14 @@ HOST::SimpleFontDescription DescribeSimpleFont(const FontDictionary& font, const
 
 TInterfacePtr<HOST::SimpleFont> MakeSimpleFont(const FontDictionary& font, const FontSource& source,
                                                HOST::SimpleFontDescription description) {
+    if (source.program != nullptr && source.program->type1) {
+        return HOST::MakeType1Font(source.program->type1, std::move(description));
+    }
+    if (source.program != nullptr && source.program->cff) {
+        return HOST::MakeCFFFont(source.program->cff, std::move(description));
+    }
     if (source.program != nullptr) {
-        return source.program->type1
-                   ? HOST::MakeType1Font(source.program->type1, std::move(description))
-                   : HOST::MakeTrueTypeFont(source.program->trueType, std::move(description));
+        return HOST::MakeTrueTypeFont(source.program->trueType, std::move(description));
     }
     std::array<float, HOST::kSimpleCodes> widths{};
     widths.fill(-1.0F);

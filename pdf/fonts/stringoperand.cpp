@@ -89,4 +89,10 @@ void AppendString(const Operand& operand, std::string& bytes) {
     }
 }
 
+std::string BytesOf(const Operand& operand) {
+    std::string bytes;
+    AppendString(operand, bytes);
+    return bytes;
+}
+
 }  // namespace VANTIX::PDF

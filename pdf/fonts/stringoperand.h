@@ -11,4 +11,7 @@ namespace VANTIX::PDF {
 /// 3.2.3); nothing for an operand of another kind.
 void AppendString(const Operand& operand, std::string& bytes);
 
+/// The bytes of a string operand; none for an operand of another kind.
+std::string BytesOf(const Operand& operand);
+
 }  // namespace VANTIX::PDF

@@ -79,6 +79,24 @@ QPDFObjectHandle Find(const QPDFObjectHandle& resources, const char* category,
 
 }  // namespace
 
+void ShownCodes::Add(std::string_view text) {
+    if (mCMap == nullptr) {
+        for (const char code : text) {
+            mSimple.set(static_cast<unsigned char>(code));
+        }
+        return;
+    }
+    while (!text.empty()) {
+        const CharCode code = mCMap->FirstOf(text);
+        mComposite.insert(code);
+        text.remove_prefix(code.bytes);
+    }
+}
+
+std::set<CharCode> ShownCodes::Composite() const {
+    return {mComposite.begin(), mComposite.end()};
+}
+
 void TextScanner::ScanPage(QPDFObjectHandle contents, const QPDFObjectHandle& resources) {
     Frame frame{resources, ++mResourcesIds, nullptr, {}, {}};
     std::string pending;
@@ -165,9 +183,7 @@ void TextScanner::Show(Frame& frame, const std::vector<Operand>& operands) {
     for (const Operand& operand : operands) {
         AppendString(operand, codes);
     }
-    for (const char code : codes) {
-        frame.font->set(static_cast<unsigned char>(code));
-    }
+    frame.font->Add(codes);
 }
 
 void TextScanner::Select(Frame& frame, std::string_view name) {
@@ -189,11 +205,15 @@ void TextScanner::ApplyState(Frame& frame, std::string_view name) {
     Draw(frame, Get(Get(state, "/SMask"), "/G"), nullptr);
 }
 
-CodeSet* TextScanner::SetOf(const QPDFObjectHandle& font) {
-    return QPDFObjectHandle(font).isDictionary() ? &mShown[FontKey(font)] : nullptr;
+ShownCodes* TextScanner::SetOf(const QPDFObjectHandle& font) {
+    if (!QPDFObjectHandle(font).isDictionary()) {
+        return nullptr;
+    }
+    const std::string key = FontKey(font);
+    return &mShown.try_emplace(key, mCMapOf ? mCMapOf(key) : nullptr).first->second;
 }
 
-void TextScanner::Draw(const Frame& outer, const QPDFObjectHandle& stream, CodeSet* font) {
+void TextScanner::Draw(const Frame& outer, const QPDFObjectHandle& stream, ShownCodes* font) {
     QPDFObjectHandle object = stream;
     if (!object.isStream() || NameOf(Get(object, "/Subtype")) == "Image" || mDepth >= kMaxDepth) {
         return;

@@ -4,25 +4,53 @@
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <unordered_set>
 #include <vector>
 
 #include "host/fonts/simplefont.h"
 #include "pdf/contentparser.h"
+#include "pdf/fonts/cmap.h"
 #include "pdf/qpdfheaders.h"
 
 namespace VANTIX::PDF {
 
 using CodeSet = std::bitset<HOST::kSimpleCodes>;
 
+/// The codes that a font shows.
+class ShownCodes {
+public:
+    /// `cmap` (borrowed) parts the text of a composite font into codes; null for a simple one.
+    explicit ShownCodes(const CMap* cmap) : mCMap(cmap) {}
+
+    void Add(std::string_view text);
+
+    /// Of a simple font.
+    [[nodiscard]] const CodeSet& Simple() const { return mSimple; }
+
+    /// Of a composite font.
+    [[nodiscard]] std::set<CharCode> Composite() const;
+
+private:
+    const CMap* mCMap;
+    CodeSet mSimple;
+    std::unordered_set<CharCode, CharCodeHash> mComposite;
+};
+
+/// The CMap of the font with a `FontKey`; null for one that is not composite.
+using CMapOfFont = std::function<const CMap*(const std::string& key)>;
+
 /// Reads content for its text alone: which codes are shown in which fonts. Takes in more than is
 /// printed rather than less: hidden content, patterns and soft masks that are only selected.
 class TextScanner {
 public:
+    explicit TextScanner(CMapOfFont cmapOf = {}) : mCMapOf(std::move(cmapOf)) {}
+
     /// Reads the content (a stream or an array of them) of a page.
     void ScanPage(QPDFObjectHandle contents, const QPDFObjectHandle& resources);
     /// Reads a form that is drawn with the resources of a page.
@@ -32,16 +60,16 @@ public:
     [[nodiscard]] bool IsComplete() const { return mIsComplete; }
 
     /// By `FontKey`.
-    [[nodiscard]] const std::map<std::string, CodeSet>& Shown() const { return mShown; }
+    [[nodiscard]] const std::map<std::string, ShownCodes>& Shown() const { return mShown; }
 
 private:
     /// One stream of content, or several that make one.
     struct Frame {
         QPDFObjectHandle resources;
         std::size_t resourcesId = 0;  ///< tells direct resource dictionaries apart
-        CodeSet* font = nullptr;
-        std::vector<CodeSet*> saved;
-        std::map<std::string, CodeSet*, std::less<>> fonts;  ///< by their names in the content
+        ShownCodes* font = nullptr;
+        std::vector<ShownCodes*> saved;
+        std::map<std::string, ShownCodes*, std::less<>> fonts;  ///< by their names in the content
     };
 
     void Add(Frame& frame, const QPDFObjectHandle& stream, std::string& pending);
@@ -51,14 +79,15 @@ private:
     void Select(Frame& frame, std::string_view name);
     void ApplyState(Frame& frame, std::string_view name);
     /// A form, or the cell of a pattern, where `stream` is one; `font` is current in it.
-    void Draw(const Frame& outer, const QPDFObjectHandle& stream, CodeSet* font);
-    CodeSet* SetOf(const QPDFObjectHandle& font);
+    void Draw(const Frame& outer, const QPDFObjectHandle& stream, ShownCodes* font);
+    ShownCodes* SetOf(const QPDFObjectHandle& font);
 
     static constexpr std::size_t kMaxDepth = 28;
     static constexpr std::size_t kMaxDrawn = 200000;
 
-    std::map<std::string, CodeSet> mShown;
-    std::set<std::tuple<QPDFObjGen, std::size_t, const CodeSet*>> mDrawn;
+    CMapOfFont mCMapOf;
+    std::map<std::string, ShownCodes> mShown;
+    std::set<std::tuple<QPDFObjGen, std::size_t, const ShownCodes*>> mDrawn;
     std::size_t mDepth = 0;
     std::size_t mResourcesIds = 0;
     std::size_t mRoom = std::size_t{4} << 30U;  // bytes of all content

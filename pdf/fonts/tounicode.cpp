@@ -17,12 +17,6 @@ namespace {
 constexpr std::uint32_t kLargestCode = 0xFFFF;
 constexpr std::size_t kLongestText = 8;
 
-std::string BytesOf(const Operand& operand) {
-    std::string bytes;
-    AppendString(operand, bytes);
-    return bytes;
-}
-
 using Operands = std::span<const Operand>;
 
 bool IsString(const Operand& operand) {

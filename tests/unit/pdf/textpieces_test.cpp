@@ -49,7 +49,9 @@ PDF::Font MakeFont(bool isResident = false) {
     description.widths['e'] = 0.48F;
     PDF::Font font;
     font.isResident = isResident;
-    font.handler = MakeObject<FakeFont>(std::move(description));
+    const auto handler = MakeObject<FakeFont>(std::move(description));
+    font.simple = handler.Get();
+    font.handler = handler;
     return font;
 }
 

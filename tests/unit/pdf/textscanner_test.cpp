@@ -37,7 +37,7 @@ std::string Shown(const std::string& content) {
         text += text.empty() && key[1] == '0' ? "" : "|";
         const auto found = scanner.Shown().find(key);
         for (std::size_t code = 0; found != scanner.Shown().end() && code < 256; ++code) {
-            text += found->second[code] ? std::string(1, static_cast<char>(code)) : "";
+            text += found->second.Simple()[code] ? std::string(1, static_cast<char>(code)) : "";
         }
     }
     return text;
