@@ -11,6 +11,7 @@
 #include "core/libsupport/vlogger/logmessage.h"
 #include "core/object/tobject.h"
 #include "t1fontbuilder.h"
+#include "t3fontbuilder.h"
 #include "t42fontbuilder.h"
 
 namespace VANTIX::PS {
@@ -42,6 +43,10 @@ BuilderPtr MakeCIDFontType2(IClassFactory& /*factory*/) {
     return MakeObject<CIDFontType2Builder>();
 }
 
+BuilderPtr MakeType3(IClassFactory& /*factory*/) {
+    return MakeObject<T3FontBuilder>();
+}
+
 /// What becomes of a kind of font that is asked for as a kind of PostScript font: a builder, maybe
 /// with a notice, or a refusal in words.
 struct Route {
@@ -50,8 +55,6 @@ struct Route {
     Maker make;
     const char* message;
 };
-
-constexpr const char* kNoType3 = "Type 3 fonts are not written.";
 
 constexpr Route kRoutes[] = {
     {TFontType::kType1, TPSFontType::kNone, MakeType1, nullptr},
@@ -66,8 +69,8 @@ constexpr Route kRoutes[] = {
      "Welcome! you are chosen to download CFF font as CIDFontType1 into PS"},
     {TFontType::kCFF, TPSFontType::kCIDFontType2, nullptr,
      "Welcome! you are chosen to download CFF font as CIDFontType2 into PS"},
-    {TFontType::kType3, TPSFontType::kNone, nullptr, kNoType3},
-    {TFontType::kType3, TPSFontType::kType3, nullptr, kNoType3},
+    {TFontType::kType3, TPSFontType::kNone, MakeType3, nullptr},
+    {TFontType::kType3, TPSFontType::kType3, MakeType3, nullptr},
     {TFontType::kCIDKeyedCFF, TPSFontType::kCIDFontType0, MakeCIDFontType0, nullptr},
     {TFontType::kCIDKeyedTrueType, TPSFontType::kNone, MakeCIDFontType2, nullptr},
     {TFontType::kCIDKeyedTrueType, TPSFontType::kCIDFontType0, MakeCIDFontType0, nullptr},
@@ -143,8 +146,8 @@ GRAPHICS::IFontBuilder* PSFontBuilderFactory::CreatePSFontBuilder(
         LogNotice(kModule) << route->message;
     }
     BuilderPtr builder = route->make(factory);
-    if (auto* policy = FindInterface<IO::IDictionary>(this, IO::IID_IPOSTSCRIPTPOLICYDICT)) {
-        builder->Aggregate(policy, IO::IID_IPOSTSCRIPTPOLICYDICT);
+    for (const GUID& id : {IID_CLASSFACTORY, IO::IID_IPOSTSCRIPTPOLICYDICT}) {
+        builder->Aggregate(FindInterface<IObject>(this, id), id);
     }
     return builder->Init(handler, name, packet) ? builder.Detach() : nullptr;
 }

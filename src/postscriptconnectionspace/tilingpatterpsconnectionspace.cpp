@@ -17,20 +17,6 @@ namespace {
 /// (PostScript Language Reference, appendix B).
 constexpr std::int32_t kMostBlockElements = 4096;
 
-/// Bytes of operators in one part of a body: not as many as objects fit into an array, since those
-/// that take least ("1 0 0 1 5 5") are among longer ones.
-constexpr std::int32_t kMostPartBytes = 128 << 10;
-
-/// True for the shape of an image mask: one bit and a palette, with a mask that hides something.
-bool IsImageMask(const GRAPHICS::IRasterComponent& raster) {
-    if (raster.GetBitsPerSample() != 1 || raster.GetExtraCount() == 0 ||
-        FindInterface<IObject>(raster.GetColorSpace(), COLOR::IID_IINDEXEDCOLORSPACE) == nullptr) {
-        return false;
-    }
-    const GRAPHICS::IChannelDesc* mask = raster.GetExtra(0);
-    return mask != nullptr && mask->GetData() != nullptr && !mask->GetData()->IsFullyOpaque();
-}
-
 }  // namespace
 
 TilingPatterPSConnectionSpace::TilingPatterPSConnectionSpace(
@@ -79,13 +65,10 @@ TInterfacePtr<PostScriptOutputContext> TilingPatterPSConnectionSpace::MakeOutput
 }
 
 Status TilingPatterPSConnectionSpace::Record(const GRAPHICS::IGraphic& cell) {
-    mBody = mStreams.Top();
+    BeginBody();
     SetInitialState();
     const Status status = cell.PlayTo(*Base());
-    CloseBlock();
-    if (mPartIsOpen) {
-        WriteText("}exec\n");
-    }
+    EndBody();
     if (status != STATUS::kOk) {
         return status;
     }
@@ -140,17 +123,6 @@ void TilingPatterPSConnectionSpace::CutBlock(std::int32_t elements) {
         mBlockElements = 0;
     }
     mBlockElements += std::clamp(elements, 0, kMostBlockElements);
-}
-
-void TilingPatterPSConnectionSpace::CutBody() {
-    const std::int32_t position = mStreams.Top() == mBody ? PositionOf(*mBody) : 0;
-    if (position - mBodyStart < kMostPartBytes || IsDrawingSuppressed()) {
-        return;
-    }
-    CloseBlock();
-    WriteText(mPartIsOpen ? "}exec\n{" : "{");
-    mPartIsOpen = true;
-    mBodyStart = position;
 }
 
 void TilingPatterPSConnectionSpace::RestoreGraphicsState() {

@@ -5,19 +5,18 @@
 #include <cstdint>
 
 #include "core/graphics/igraphic.h"
-#include "postscriptconnectionspace/postscriptconnectionspace.h"
+#include "postscriptconnectionspace/procedurepsconnectionspace.h"
 
 namespace VANTIX::PS {
 
 /// Paint type of a pattern whose cell is painted in the colour that it is selected with.
 inline constexpr std::int32_t kUncolouredPaintType = 2;
 
-/// Records the cell of a tiling pattern as the body of its procedure, which is cut into blocks
-/// "{…}exec", and those of a very long one into parts, so that no procedure outgrows an
-/// interpreter. It has a colour delegate, an output context and a base connection space of its own;
+/// Records the cell of a tiling pattern as the body of its procedure, whose paths stand in blocks
+/// "{…}exec". It has a colour delegate, an output context and a base connection space of its own;
 /// what may not stand in the procedure (the data of images and meshes) goes to the stream of the
 /// space that asked for the pattern, its owner.
-class TilingPatterPSConnectionSpace : public PostScriptConnectionSpace {
+class TilingPatterPSConnectionSpace : public ProcedurePSConnectionSpace {
 public:
     /// `owner` and `pattern` must outlive the recorder.
     TilingPatterPSConnectionSpace(PostScriptConnectionSpace& owner,
@@ -84,6 +83,7 @@ public:
 protected:
     TInterfacePtr<PostScriptOutputContext> MakeOutputContext() override;
     void ApplyOverprint(bool fill) override;
+    void CloseBlock() override;
 
 private:
     [[nodiscard]] bool IsColoured() const;
@@ -92,10 +92,6 @@ private:
     void SetInitialState();
     /// Ends the block when `elements` more would make it too long, and begins the next.
     void CutBlock(std::int32_t elements);
-    void CloseBlock();
-    /// Between operations: puts them into procedures of their own, from where the body outgrows
-    /// one.
-    void CutBody();
 
     PostScriptConnectionSpace& mOwner;
     COLOR::IPatternConnectionColorSpace& mPattern;
@@ -103,9 +99,6 @@ private:
     bool mBlockIsOpen = false;
     std::int32_t mBlockElements = 0;
     bool mDefinesPatterns = false;
-    IPostScriptDataStream* mBody = nullptr;  // of what is recorded, outside all forms
-    std::int32_t mBodyStart = 0;             // of the part that is open
-    bool mPartIsOpen = false;
 };
 
 }  // namespace VANTIX::PS
