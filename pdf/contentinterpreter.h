@@ -31,6 +31,8 @@
 namespace VANTIX::PDF {
 
 class Fonts;
+struct GlyphDescription;
+struct Type3Font;
 
 /// What all content of a document is played with.
 struct PlayContext {
@@ -57,9 +59,10 @@ struct PlayContext {
     bool fontsAreLoaded = false;
 
     /// The same for content that goes into `recording`.
-    [[nodiscard]] PlayContext For(HOST::BaseConnectionSpace& recording) const {
-        return {recording,     colorSpaces,     optionalContent, forms,    imageData, shadings,
-                patterns,      fonts,           openStreams,     reporter, intent,    keepsAlpha,
+    [[nodiscard]] PlayContext For(HOST::BaseConnectionSpace& recording, OpenStreams& open) const {
+        return {recording,     colorSpaces,     optionalContent, forms,
+                imageData,     shadings,        patterns,        fonts,
+                open,          reporter,        intent,          keepsAlpha,
                 languageLevel, graysAsPalettes, keepsHiddenText, true};
     }
 };
@@ -148,6 +151,10 @@ public:
 
     /// Plays the cell of a tiling pattern into the space of `context`. `cell` outlives the call.
     static void PlayCell(PlayContext& context, const PatternCell& cell);
+
+    /// Plays a glyph of a Type 3 font into the space of `context`, in which nothing sets a colour.
+    static void PlayGlyph(PlayContext& context, const Type3Font& font,
+                          const GlyphDescription& glyph);
 
     /// Clips to a rectangle of user space.
     void ClipToBox(const std::array<double, 4>& box);
@@ -269,8 +276,9 @@ private:
     void SetDeviceColor(bool fill, std::size_t device, Numbers v);
     void Select(bool fill, const ColorSpaceEntry& space);
 
-    /// False in the cell of an uncoloured pattern, which has the colour that it is used with.
-    [[nodiscard]] bool MayColor() const { return mCell == nullptr || mCell->isColored; }
+    /// False in the cell of an uncoloured pattern and in an uncoloured glyph, which have the colour
+    /// that they are used with.
+    [[nodiscard]] bool MayColor() const { return !mIsUncolored; }
 
     HOST::CurrentColor& ColorOf(bool fill) { return fill ? State().fill : State().stroke; }
 
@@ -337,6 +345,14 @@ private:
     void KeepForClip(const TextPlace& place, std::string_view codes);
     void DrawText(const TextPlace& place, std::string_view codes, TextRendering rendering);
 
+    // contentinterpreter_type3.cpp
+    /// The glyph at a code whose content is to be played, or null.
+    const GlyphDescription* PlayedGlyph(char code);
+    void ShowType3(std::string_view codes);
+    void ShowPlayedGlyph(const GlyphDescription& glyph);
+    void SetInitialLines();
+    void DrawGlyph(const Type3Font& font, const GlyphDescription& glyph);
+
     // contentinterpreter_image.cpp
     /// An image that is drawn in bands, clipped by boxes in a grid of its own.
     struct Banded {
@@ -380,6 +396,9 @@ private:
     std::string mCodes;
     std::string mHostText;
     const PatternCell* mCell = nullptr;  // that this plays
+    const Type3Font* mFont = nullptr;    // the one of whose glyphs this makes a recording
+    bool mIsUncolored = false;
+    int mGlyphDepth = 0;  // glyphs being played within one another
 };
 
 }  // namespace VANTIX::PDF

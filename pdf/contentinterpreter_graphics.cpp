@@ -182,7 +182,7 @@ void ContentInterpreter::SetIntent(const std::string& name) {
         {"Saturation", TRenderingIntent::kSaturation},
         {"Perceptual", TRenderingIntent::kPerceptual},
     }};
-    if (mContext.intent) {
+    if (mContext.intent || !MayColor()) {
         return;
     }
     const auto* const found = std::find_if(kIntents.begin(), kIntents.end(),

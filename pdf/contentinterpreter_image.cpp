@@ -166,7 +166,15 @@ void ContentInterpreter::DrawRaster(const HOST::RasterPtr& raster, const std::st
     if (first != nullptr && first->GetType() == "SPOT"_cc) {
         HOST::AddAlpha(*raster, 8, std::make_unique<OpaquePlane>(raster->GetWidth()), true);
     }
-    mContext.space.DrawImage(raster.Get(), 0.0F, 0.0F, 1.0F, 1.0F);
+    if (mFont == nullptr) {
+        mContext.space.DrawImage(raster.Get(), 0.0F, 0.0F, 1.0F, 1.0F);
+        return;
+    }
+    // The masks of glyphs are not turned over by those who write them.
+    const ScopedLevel level(*this);
+    if (level.IsSaved() && Concat({1, 0, 0, -1, 0, 1})) {
+        mContext.space.DrawImage(raster.Get(), 0.0F, 0.0F, 1.0F, 1.0F);
+    }
 }
 
 void ContentInterpreter::PaintStencil(Image& image) {

@@ -25,6 +25,7 @@ void ContentInterpreter::PlayCell(PlayContext& context, const PatternCell& cell)
     }
     ContentInterpreter interpreter(context);
     interpreter.mCell = &cell;
+    interpreter.mIsUncolored = !cell.isColored;
     // The pattern itself clips to the box.
     interpreter.Top().matrix = cell.matrix;
     interpreter.Top().clipBox = TransformBox(cell.matrix, cell.box);

@@ -186,6 +186,10 @@ void ContentInterpreter::Show(std::string_view codes) {
     if (codes.empty() || text.font == nullptr || !text.font->handler) {
         return;
     }
+    if (text.font->type3) {
+        ShowType3(codes);
+        return;
+    }
     if (text.font->codes == nullptr) {
         ShowHostText(codes);
         return;
@@ -267,7 +271,8 @@ void ContentInterpreter::ShowInvisible(std::string_view codes) {
 void ContentInterpreter::ShowPieces(std::string_view codes,
                                     std::optional<TextRendering> rendering) {
     const TextState& text = Top().text;
-    const bool clips = text.rendering > TextRendering::kInvisible && !Top().isCollapsed;
+    const bool clips =
+        text.rendering > TextRendering::kInvisible && !Top().isCollapsed && !text.font->type3;
     while (!codes.empty()) {
         const std::optional<TextPlace> place =
             rendering || clips ? Place(text, mFrame.text.matrix) : std::nullopt;

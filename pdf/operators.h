@@ -97,7 +97,7 @@ struct Operators {
         {"TJ", 0, &CI::ShowStrings},
         {"'", 0, &CI::ShowStringOnNextLine},
         {"\"", 0, &CI::ShowStringWithSpacing},
-        // Type 3 glyph descriptions, which mean nothing elsewhere
+        // Type 3 glyph descriptions: known before they are played, and without meaning elsewhere
         {"d0", 0, &CI::Ignore},
         {"d1", 0, &CI::Ignore},
     });

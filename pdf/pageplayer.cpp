@@ -48,9 +48,18 @@ struct PagePlayer::Parts {
         patterns.SetCellPlayer(
             [this](const PatternCell& cell, HOST::BaseConnectionSpace& recording) {
                 recording.Aggregate(&fonts.Broker(), GRAPHICS::IID_IFONTBROKER);
-                PlayContext inner = context.For(recording);
+                PlayContext inner = context.For(recording, openStreams);
                 ContentInterpreter::PlayCell(inner, cell);
             });
+        // A glyph is recorded wherever the fonts are loaded, which it is not a part of.
+        fonts.SetGlyphPlayer([this](const Type3Font& font, const GlyphDescription& glyph,
+                                    HOST::BaseConnectionSpace& recording) {
+            colorSpaces.ServeRecording(recording);
+            recording.Aggregate(&fonts.Broker(), GRAPHICS::IID_IFONTBROKER);
+            OpenStreams open;
+            PlayContext inner = context.For(recording, open);
+            ContentInterpreter::PlayGlyph(inner, font, glyph);
+        });
     }
 
     void PlayContent(ContentInterpreter& interpreter, int index, Resources& resources);

@@ -31,10 +31,6 @@ bool IsComposite(const QPDFObjectHandle& dictionary) {
     return NameOf(Get(dictionary, "/Subtype")) == "Type0";
 }
 
-bool IsSimple(const QPDFObjectHandle& dictionary) {
-    return !IsComposite(dictionary) && NameOf(Get(dictionary, "/Subtype")) != "Type3";
-}
-
 /// Whether every character that is shown tells what it means.
 bool IsExtractable(const HOST::CIDFont& font) {
     const auto& characters = font.Characters();
@@ -44,11 +40,8 @@ bool IsExtractable(const HOST::CIDFont& font) {
 
 /// Says why text in a font that was not taken in is left out.
 void WarnOfKind(const QPDFObjectHandle& dictionary, Reporter& reporter) {
-    const std::string subtype = NameOf(Get(dictionary, "/Subtype"));
-    if (subtype == "Type0") {
+    if (IsComposite(dictionary)) {
         reporter.Warn("font-composite", "Text in a composite font without glyphs is left out");
-    } else if (subtype == "Type3") {
-        reporter.Warn("font-type3", "Text in Type 3 fonts is left out");
     } else {
         reporter.Warn("font", "Text in a font that is none is left out");
     }
@@ -96,14 +89,19 @@ struct Fonts::Parts {
         /// Of a simple font, or of a composite one.
         std::optional<FontDictionary> dictionary;
         std::optional<CompositeDictionary> composite;
+        QPDFObjectHandle type3;      ///< the dictionary of a Type 3 font, else null
+        QPDFObjectHandle resources;  ///< of that page
         FontSource source;
         std::optional<Font> font;
     };
 
     Parts(FontOptions theOptions, Reporter& theReporter)
-        : options(std::move(theOptions)), reporter(theReporter), sources(options, reporter) {}
+        : options(std::move(theOptions)),
+          reporter(theReporter),
+          sources(options, reporter),
+          type3(reporter) {}
 
-    void Take(const QPDFObjectHandle& dictionary, int page);
+    void Take(const QPDFObjectHandle& dictionary, const QPDFObjectHandle& resources, int page);
     std::vector<Appearance> AppearancesOf(const Page& page);
     [[nodiscard]] static bool NeedsScan(const Entry& entry);
     /// By font, where it is known.
@@ -119,6 +117,7 @@ struct Fonts::Parts {
     /// The font of an entry that shows these codes; without a handler where nothing has glyphs.
     Font MakeComposite(const Entry& entry, const std::set<CharCode>& codes);
     std::optional<Font> FontOf(const Entry& entry, const Shown& shown);
+    void MakeType3(const Entry& entry, Font& font);
     [[nodiscard]] FontRecord RecordOf(const Entry& entry) const;
     /// What is known of a font once its program is finished.
     static void CompleteRecord(const Font& font, FontRecord& record);
@@ -126,6 +125,8 @@ struct Fonts::Parts {
     FontOptions options;
     Reporter& reporter;
     FontSources sources;
+    Type3Fonts type3;
+    GlyphPlayer player;
     FontWalker walker;
     std::map<PdfDocument*, OptionalContent> optionalContent;
     std::vector<Page> pages;
@@ -143,13 +144,18 @@ Fonts::Fonts(FontOptions options, Reporter& reporter)
 
 Fonts::~Fonts() = default;
 
+void Fonts::SetGlyphPlayer(GlyphPlayer player) {
+    mParts->player = std::move(player);
+}
+
 void Fonts::Collect(PdfDocument& document, int page) {
     Parts& parts = *mParts;
     const Parts::Page where{&document, page};
     parts.pages.push_back(where);
-    const auto take = [&](const QPDFObjectHandle& font) { parts.Take(font, page + 1); };
+    const QPDFObjectHandle resources = document.Attribute(page, "/Resources");
+    const auto take = [&](const QPDFObjectHandle& font) { parts.Take(font, resources, page + 1); };
     try {
-        parts.walker.Walk(document.Attribute(page, "/Resources"), take);
+        parts.walker.Walk(resources, take);
         for (const Appearance& appearance : parts.AppearancesOf(where)) {
             parts.walker.Walk(Get(appearance.form, "/Resources"), take);
         }
@@ -203,7 +209,7 @@ const Font* Fonts::Find(const QPDFObjectHandle& dictionary) {
 void Fonts::Parts::ChooseSources(const Shown* shown) {
     for (Entry& entry : entries) {
         reporter.SetPage(entry.page);
-        if (shown == nullptr && entry.dictionary) {
+        if (shown == nullptr && entry.dictionary && IsNull(entry.type3)) {
             entry.source = sources.Choose(*entry.dictionary);
         } else if (shown != nullptr && entry.composite) {
             const auto codes = CompositeCodesOf(entry, *shown);
@@ -216,11 +222,11 @@ void Fonts::Parts::ChooseSources(const Shown* shown) {
     reporter.SetPage(0);
 }
 
-void Fonts::Parts::Take(const QPDFObjectHandle& dictionary, int page) {
+void Fonts::Parts::Take(const QPDFObjectHandle& dictionary, const QPDFObjectHandle& resources,
+                        int page) {
     std::string key = FontKey(dictionary);
     const bool isComposite = IsComposite(dictionary);
-    if (entries.size() >= kMostFonts || index.contains(key) ||
-        !(isComposite || IsSimple(dictionary))) {
+    if (entries.size() >= kMostFonts || index.contains(key)) {
         return;
     }
     Entry entry;
@@ -233,6 +239,9 @@ void Fonts::Parts::Take(const QPDFObjectHandle& dictionary, int page) {
         }
     } else {
         entry.dictionary.emplace(dictionary);
+        const bool isType3 = entry.dictionary->subtype == "Type3";
+        entry.type3 = isType3 ? dictionary : QPDFObjectHandle::newNull();
+        entry.resources = resources;
     }
     index.emplace(std::move(key), entries.size());
     entries.push_back(std::move(entry));
@@ -298,6 +307,11 @@ std::optional<Font> Fonts::Parts::FontOf(const Entry& entry, const Shown& shown)
 
 const Font& Fonts::Parts::Make(const Entry& entry, const CodeSet& codes) {
     const FontDictionary& dictionary = *entry.dictionary;
+    if (!IsNull(entry.type3)) {
+        Font& font = made[entry.key];
+        MakeType3(entry, font);
+        return font;
+    }
     HOST::SimpleFontDescription description = DescribeSimpleFont(dictionary, entry.source, codes);
     Font& font = made[Identity(description)];
     if (!font.handler) {
@@ -331,7 +345,22 @@ Font Fonts::Parts::MakeComposite(const Entry& entry, const std::set<CharCode>& c
     return font;
 }
 
+void Fonts::Parts::MakeType3(const Entry& entry, Font& font) {
+    font.type3 = type3.Read(entry.type3, entry.resources);
+    if (font.type3) {
+        font.selector = ++lastSelector;
+        const auto handler =
+            PDF::MakeType3Font(font.type3, *entry.dictionary, font.selector, player);
+        font.simple = handler.Get();
+        font.handler = handler;
+        font.name = font.handler->GetName();
+    }
+}
+
 FontRecord Fonts::Parts::RecordOf(const Entry& entry) const {
+    if (entry.font->type3) {
+        return {entry.dictionary->baseFont, "Type3", "Type3", "embedded", {}, 0};
+    }
     const FontDictionary& dictionary =
         entry.composite ? entry.composite->descendant : *entry.dictionary;
     const FontProgram* program = entry.source.program;

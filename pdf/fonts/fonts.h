@@ -10,6 +10,7 @@
 #include "host/fonts/cidfont.h"
 #include "host/fonts/fontbroker.h"
 #include "host/fonts/simplefont.h"
+#include "pdf/fonts/type3font.h"
 #include "pdf/pdfdocument.h"
 #include "pdf/qpdfheaders.h"
 #include "pdf/reporter.h"
@@ -40,7 +41,7 @@ struct FontOptions {
 struct FontRecord {
     std::string name;         ///< as the document has it
     std::string kind;         ///< "Type1", "TrueType", …
-    std::string kindOut;      ///< "Type1", "Type42", "FontSet", "CIDFontType0" or "CIDFontType2"
+    std::string kindOut;      ///< "Type1", "Type42", "FontSet", "Type3" or "CIDFontType0", "…2"
     std::string source;       ///< "embedded", "substituted" or "resident"
     std::string substitute;   ///< the font that stands in or is resident
     std::uint64_t bytes = 0;  ///< of the program as it is handed over
@@ -64,7 +65,8 @@ struct Font {
     /// The interpreter is to have it: advances are the reader's business.
     bool isResident = false;
     std::shared_ptr<const HOST::SimpleProgram>
-        program;  ///< of a simple one; null where it is resident
+        program;                             ///< of a simple one; null for a resident or Type 3 one
+    std::shared_ptr<const Type3Font> type3;  ///< null for one of another kind
 
     /// Whether the glyph at a code of host text marks anything; true where it is unknown.
     [[nodiscard]] bool HasOutline(std::uint16_t code) const;
@@ -81,6 +83,10 @@ public:
     Fonts(Fonts&&) = delete;
     Fonts& operator=(Fonts&&) = delete;
 
+    /// Must be set before the fonts are finished; handlers of Type 3 fonts call it for as long as
+    /// they live.
+    void SetGlyphPlayer(GlyphPlayer player);
+
     /// Takes in the fonts of a page (from 0): of its resources, and those of forms, patterns,
     /// graphics states and annotations' appearances below. The document must outlive this object.
     void Collect(PdfDocument& document, int page);
@@ -94,13 +100,21 @@ public:
     /// and for one of which nothing is. Valid as the collection is, after `Finish`.
     const Font* Find(const QPDFObjectHandle& dictionary);
 
+    /// Counts a glyph that is played within another; false when there have been so many of them
+    /// that there is no end to expect.
+
+    bool CountNestedGlyph() { return ++mNestedGlyphs <= kMostNestedGlyphs; }
+
     [[nodiscard]] const std::vector<FontRecord>& Records() const { return mRecords; }
 
 private:
+    static constexpr std::int64_t kMostNestedGlyphs = 200000;
+
     struct Parts;
     std::unique_ptr<Parts> mParts;
     TInterfacePtr<HOST::FontBroker> mBroker;
     std::vector<FontRecord> mRecords;
+    std::int64_t mNestedGlyphs = 0;
 };
 
 }  // namespace VANTIX::PDF

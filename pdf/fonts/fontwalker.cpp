@@ -33,8 +33,16 @@ void FontWalker::Walk(const QPDFObjectHandle& resources, const TakeFont& take) {
 
 void FontWalker::WalkOne(const QPDFObjectHandle& resources, const TakeFont& take) {
     const auto takeFont = [&](QPDFObjectHandle font) {
-        if (font.isDictionary()) {
-            take(font);
+        if (!font.isDictionary()) {
+            return;
+        }
+        take(font);
+        // A Type 3 font leads on to the fonts that its glyphs show.
+        if (NameOf(Get(font, "/Subtype")) == "Type3" &&
+            (!font.isIndirect() || mSeen.insert(font.getObjGen()).second)) {
+            mOpen.push_back(Get(font, "/Resources"));
+            ForEach(Get(font, "/CharProcs"),
+                    [this](const QPDFObjectHandle& glyph) { Enter(glyph); });
         }
     };
     ForEach(Get(resources, "/Font"), takeFont);

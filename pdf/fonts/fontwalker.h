@@ -9,8 +9,8 @@
 
 namespace VANTIX::PDF {
 
-/// Finds the fonts that resources lead to: their own, and those of the forms, tiling patterns and
-/// graphics states among them. Looks at every object once.
+/// Finds the fonts that resources lead to: their own, and those of the forms, tiling patterns,
+/// graphics states and Type 3 fonts among them. Looks at every object once.
 class FontWalker {
 public:
     using TakeFont = std::function<void(const QPDFObjectHandle&)>;

@@ -192,8 +192,25 @@ void TextScanner::Select(Frame& frame, std::string_view name) {
         frame.font = known->second;
         return;
     }
-    frame.font = SetOf(Find(frame.resources, "/Font", name));
+    const QPDFObjectHandle font = Find(frame.resources, "/Font", name);
+    frame.font = SetOf(font);
     frame.fonts.emplace(name, frame.font);
+    if (NameOf(Get(font, "/Subtype")) == "Type3") {
+        DrawGlyphs(frame, font);
+    }
+}
+
+// All of them, whatever is shown.
+void TextScanner::DrawGlyphs(const Frame& outer, const QPDFObjectHandle& font) {
+    QPDFObjectHandle glyphs = Get(font, "/CharProcs");
+    const QPDFObjectHandle own = Get(font, "/Resources");
+    if (!glyphs.isDictionary() || !mType3.insert(FontKey(font)).second) {
+        return;
+    }
+    const Frame frame{IsNull(own) ? outer.resources : own, ++mResourcesIds, nullptr, {}, {}};
+    for (const auto& glyph : glyphs.getDictAsMap()) {
+        Draw(frame, glyph.second, nullptr);
+    }
 }
 
 void TextScanner::ApplyState(Frame& frame, std::string_view name) {

@@ -80,6 +80,7 @@ private:
     void ApplyState(Frame& frame, std::string_view name);
     /// A form, or the cell of a pattern, where `stream` is one; `font` is current in it.
     void Draw(const Frame& outer, const QPDFObjectHandle& stream, ShownCodes* font);
+    void DrawGlyphs(const Frame& outer, const QPDFObjectHandle& font);
     ShownCodes* SetOf(const QPDFObjectHandle& font);
 
     static constexpr std::size_t kMaxDepth = 28;
@@ -88,6 +89,7 @@ private:
     CMapOfFont mCMapOf;
     std::map<std::string, ShownCodes> mShown;
     std::set<std::tuple<QPDFObjGen, std::size_t, const ShownCodes*>> mDrawn;
+    std::set<std::string> mType3;  ///< fonts whose glyphs were read
     std::size_t mDepth = 0;
     std::size_t mResourcesIds = 0;
     std::size_t mRoom = std::size_t{4} << 30U;  // bytes of all content

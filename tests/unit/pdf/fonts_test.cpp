@@ -118,7 +118,7 @@ TEST(Fonts, KindsThatAreNotShownAreNamedOnce) {
     EXPECT_EQ(page.Find(20), nullptr);
     EXPECT_EQ(page.Find(21), nullptr);
     EXPECT_EQ(page.Find(20), nullptr);
-    EXPECT_EQ(page.Warnings(), "font-composite font-type3 ");
+    EXPECT_EQ(page.Warnings(), "font-type3 font-composite ");
 }
 
 TEST(Fonts, MissingOnesDoAsTheyAreTold) {
