@@ -167,10 +167,12 @@ GRAPHICS::FontBox CffTables::Box() const {
 CffFontDict CffTables::ReadFontDict(const CffDict& dict) const {
     CffFontDict result;
     result.name = Text(dict, CffOperator::kFontName);
-    const auto own = MatrixOf(dict);
-    const auto outer = isCidKeyed ? MatrixOf(top) : std::nullopt;
-    result.matrix =
-        own && outer ? Product(*own, *outer) : own.value_or(outer.value_or(kThousandths));
+    result.matrix = MatrixOf(dict).value_or(kThousandths);
+    if (isCidKeyed) {
+        if (const auto outer = MatrixOf(top)) {
+            result.matrix = MatrixOf(dict) ? Product(result.matrix, *outer) : *outer;
+        }
+    }
     const std::vector<double>* place = dict.Find(CffOperator::kPrivate);
     if (place == nullptr || place->size() != 2 || !((*place)[0] > 0)) {
         return result;
