@@ -11,7 +11,7 @@ constexpr std::size_t kHeaderBytes = 12;
 constexpr std::size_t kRecordBytes = 16;
 constexpr int kDeepestComponent = 16;
 
-/// Steps through the components of a composite glyph (OpenType specification: glyf).
+/// Steps through the components of a composite glyph (OpenType 1.9, glyf).
 class Components {
 public:
     explicit Components(ByteView glyph)

@@ -31,7 +31,7 @@ inline void WriteU32(std::vector<std::uint8_t>& bytes, std::size_t offset, std::
     WriteU16(bytes, offset + 2, value);
 }
 
-/// Where the fields are that are read or written here (OpenType specification: head, hhea, maxp).
+/// Where the fields are that are read or written here (OpenType 1.9, head, hhea, maxp).
 inline constexpr std::size_t kHeadBytes = 54;
 inline constexpr std::size_t kHeadCheckSumAdjustment = 8;
 inline constexpr std::size_t kHeadUnitsPerEm = 18;
