@@ -28,6 +28,12 @@ void GraphicsStateStack::Pop() {
     }
 }
 
+void GraphicsStateStack::Forget() {
+    mTop = {};
+    mTop.intents.fill(kUnknown);
+    mTop.overprint.fill(kUnknown);
+}
+
 std::uint64_t GraphicsStateStack::GetColorSpaceKey() const {
     return mTop.key;
 }

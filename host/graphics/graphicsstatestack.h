@@ -19,6 +19,7 @@ class NORVANE_HOST_API GraphicsStateStack : public TObject<GRAPHICS::IMutableGra
 public:
     void Push() override;
     void Pop() override;
+    void Forget() override;
     std::uint64_t GetColorSpaceKey() const override;
     void SetColorSpaceKey(std::uint64_t key) override;
     void GetColor(float values[16], std::int32_t& count) const override;

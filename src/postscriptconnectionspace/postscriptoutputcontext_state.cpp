@@ -106,7 +106,7 @@ bool PostScriptOutputContext::StoreIntent(std::int32_t index, COLOR::TRenderingI
         return false;
     }
     const std::int32_t stored = mState->GetRenderingIntent(index);
-    if (wanted == (stored < 0 ? last : stored)) {
+    if (wanted == (stored == -1 ? last : stored)) {
         return false;
     }
     mState->SetRenderingIntent(index, wanted);

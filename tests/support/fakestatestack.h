@@ -39,6 +39,12 @@ public:
         }
     }
 
+    void Forget() override {
+        top = {};
+        top.intents.fill(kUnknown);
+        top.overprint.fill(kUnknown);
+    }
+
     std::uint64_t GetColorSpaceKey() const override { return top.colorSpaceKey; }
 
     void SetColorSpaceKey(std::uint64_t key) override {

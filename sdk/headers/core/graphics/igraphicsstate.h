@@ -90,9 +90,15 @@ public:
 /// nothing.
 class IMutableGraphicsStateStack : public IObject {
 public:
+    /// An intent or overprint value that differs from all that can be set.
+    static constexpr std::int32_t kUnknown = -2;
+
     virtual void Push() = 0;
     /// Does nothing on an empty stack.
     virtual void Pop() = 0;
+    /// From now on nothing is known of the top: neither space nor colour, and the intents and
+    /// overprint values are `kUnknown`.
+    virtual void Forget() = 0;
     virtual std::uint64_t GetColorSpaceKey() const = 0;
     /// Stores the key and forgets the colour, as an interpreter does at setcolorspace, even when
     /// the key is the same.
