@@ -61,7 +61,7 @@ void ContentInterpreter::DrawGlyph(const Type3Font& font, const GlyphDescription
 void ContentInterpreter::SetInitialLines() {
     constexpr float kMiterLimit = 10.0F;
     const std::array<float, 3> initial = {1.0F, 0.0F, kMiterLimit};
-    LineWidth(&initial[0]);
+    LineWidth(initial.data());
     LineCap(&initial[1]);
     LineJoin(&initial[1]);
     MiterLimit(&initial[2]);

@@ -134,9 +134,9 @@ private:
 
 }  // namespace
 
-TInterfacePtr<SimpleFont> MakeType1Font(std::shared_ptr<Type1Program> program,
+TInterfacePtr<SimpleFont> MakeType1Font(const std::shared_ptr<Type1Program>& program,
                                         SimpleFontDescription description) {
-    return MakeObject<Type1Font>(std::move(program), Sanitised(std::move(description)));
+    return MakeObject<Type1Font>(program, Sanitised(std::move(description)));
 }
 
 TInterfacePtr<SimpleFont> MakeResidentFont(SimpleFontDescription description, bool reEncoded,

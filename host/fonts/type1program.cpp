@@ -86,7 +86,7 @@ class Type1ProgramImpl final : public Type1Program {
 public:
     explicit Type1ProgramImpl(std::size_t fileSize) : mFileSize(fileSize) {}
 
-    bool Read(std::vector<std::uint8_t> bytes, std::string& problem);
+    bool Read(const std::vector<std::uint8_t>& bytes, std::string& problem);
 
     [[nodiscard]] float WidthOf(std::string_view glyph) const override;
     [[nodiscard]] bool HasOutline(std::string_view glyph) const override;
@@ -139,7 +139,7 @@ private:
     std::vector<std::uint8_t> mData;
 };
 
-bool Type1ProgramImpl::Read(std::vector<std::uint8_t> bytes, std::string& problem) {
+bool Type1ProgramImpl::Read(const std::vector<std::uint8_t>& bytes, std::string& problem) {
     if (!SplitType1(bytes, mText, problem)) {
         return false;
     }
@@ -347,10 +347,10 @@ const std::vector<std::uint8_t>& Type1ProgramImpl::Data() {
 
 }  // namespace
 
-std::shared_ptr<Type1Program> Type1Program::Open(std::vector<std::uint8_t> bytes,
+std::shared_ptr<Type1Program> Type1Program::Open(const std::vector<std::uint8_t>& bytes,
                                                  std::string& problem) {
     auto program = std::make_shared<Type1ProgramImpl>(bytes.size());
-    if (!program->Read(std::move(bytes), problem)) {
+    if (!program->Read(bytes, problem)) {
         return nullptr;
     }
     return program;

@@ -20,7 +20,7 @@ class NORVANE_HOST_API Type1Program : public NamedProgram {
 public:
     /// Takes PFA, PFB and what PDF embeds: clear text, encrypted part (binary or hexadecimal),
     /// zeros or none. Null, with the reason in `problem`, for what is no Type 1 font.
-    static std::shared_ptr<Type1Program> Open(std::vector<std::uint8_t> bytes,
+    static std::shared_ptr<Type1Program> Open(const std::vector<std::uint8_t>& bytes,
                                               std::string& problem);
 
     /// /FontName as it came.
@@ -41,8 +41,8 @@ public:
 };
 
 /// A font of a Type 1 program. `description.name` is the program's name as it is written.
-NORVANE_HOST_API TInterfacePtr<SimpleFont> MakeType1Font(std::shared_ptr<Type1Program> program,
-                                                         SimpleFontDescription description);
+NORVANE_HOST_API TInterfacePtr<SimpleFont> MakeType1Font(
+    const std::shared_ptr<Type1Program>& program, SimpleFontDescription description);
 
 /// A font that is not downloaded: the interpreter has `description.name`. With `reEncoded` it gets
 /// the encoding of the description, else it keeps its own. `widths` are those the interpreter's

@@ -262,11 +262,11 @@ private:
 
 }  // namespace
 
-bool SplitType1(std::vector<std::uint8_t> bytes, Type1Text& text, std::string& problem) {
+bool SplitType1(const std::vector<std::uint8_t>& bytes, Type1Text& text, std::string& problem) {
     constexpr std::size_t kMostGarbage = 1024;
     const std::string joined = WithoutSegments(bytes);
     const std::size_t start = joined.find("%!");
-    if (start == std::string::npos || start > kMostGarbage) {
+    if (start > kMostGarbage) {  // or nowhere
         problem = "it does not start as a Type 1 font";
         return false;
     }

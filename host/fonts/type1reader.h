@@ -32,7 +32,7 @@ struct Type1Text {
 
 /// Takes off headers of segments, zeros and hexadecimal digits. False, with the reason in
 /// `problem`, where there is no encrypted part.
-bool SplitType1(std::vector<std::uint8_t> bytes, Type1Text& text, std::string& problem);
+bool SplitType1(const std::vector<std::uint8_t>& bytes, Type1Text& text, std::string& problem);
 
 /// What the clear text says.
 struct Type1Header {

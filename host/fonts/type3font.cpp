@@ -46,7 +46,10 @@ public:
 
     void EnumerateGlyphs(GRAPHICS::IT3GlyphProcFunctor& functor) const override {
         for (const Type3Glyph& glyph : mGlyphs) {
-            const auto recording = glyph.play ? MakeObject<GlyphRecording>(glyph) : nullptr;
+            TInterfacePtr<GlyphRecording> recording;
+            if (glyph.play) {
+                recording = MakeObject<GlyphRecording>(glyph);
+            }
             if (!functor(glyph.name.c_str(), static_cast<std::int32_t>(glyph.name.size()),
                          recording.Get(), glyph.box.data(), glyph.width, glyph.isColoured)) {
                 return;

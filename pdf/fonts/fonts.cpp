@@ -189,7 +189,7 @@ bool Fonts::Finish(std::string& error) {
         }
     }
     for (std::size_t i = 0; i < fonts.size(); ++i) {
-        parts.CompleteRecord(*fonts[i], mRecords[i]);
+        Parts::CompleteRecord(*fonts[i], mRecords[i]);
     }
     return true;
 }

@@ -56,7 +56,7 @@ std::optional<char> TakeEscape(std::string_view text, std::size_t& at) {
     if (!IsOctal(c)) {
         return c;
     }
-    unsigned value = static_cast<unsigned>(c - '0');
+    auto value = static_cast<unsigned>(c - '0');
     for (int digits = 1; digits < 3 && at < text.size() && IsOctal(text[at]); ++digits) {
         value = value << 3U | static_cast<unsigned>(text[at++] - '0');
     }

@@ -530,15 +530,20 @@ TEST(DamagedShadings, LeaveTheRestOfThePageIntact) {
         "/BitsPerCoordinate 8 /BitsPerComponent 8 ";
     const std::string triangle("\0\0\0\1\2\3\0\xFF\0\1\2\3\0\0\xFF\1\2\3", 18);
     const std::string decode = "/Decode [0 1 0 1 0 1 0 1 0 1]";
+    const std::vector<std::string> gradients = {
+        axial + "/Function " + gray + " >>", axial + "/Domain [1 1] /Function " + function + " >>",
+        axial + ">>"};
+    const std::vector<std::string> meshes = {StreamOf(triangle, mesh + "/Decode [0 1 0 1 0 1 0 1]"),
+                                             StreamOf(triangle.substr(0, 11), mesh + decode),
+                                             StreamOf(triangle + "\1\2", mesh + decode)};
     for (const char* level : {"3", "2"}) {
         SCOPED_TRACE(level);
         Sheet sheet;
-        for (const std::string& shading :
-             {axial + "/Function " + gray + " >>",
-              axial + "/Domain [1 1] /Function " + function + " >>", axial + ">>",
-              sheet.Add(StreamOf(triangle, mesh + "/Decode [0 1 0 1 0 1 0 1]")),
-              sheet.Add(StreamOf(triangle.substr(0, 11), mesh + decode)),
-              sheet.Add(StreamOf(triangle + "\1\2", mesh + decode))}) {
+        std::vector<std::string> damaged = gradients;
+        for (const std::string& stream : meshes) {
+            damaged.push_back(sheet.Add(stream));
+        }
+        for (const std::string& shading : damaged) {
             sheet.Shading("damaged", shading).isJudged = false;
             sheet.Pattern("damaged", shading, "0 0 1 1 re f").isJudged = false;
         }

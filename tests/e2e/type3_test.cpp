@@ -55,7 +55,7 @@ std::string PageWith(const GlyphCase& test) {
 }
 
 std::string LargeMask() {
-    std::string data(100 * 800, '\0');
+    std::string data(std::size_t{100} * 800, '\0');
     data.replace(60000, 10000, std::string(10000, '\xFF'));
     return std::string(kUncoloured) + "1000 0 0 1000 0 0 cm BI /W 800 /H 800 /IM true ID " + data +
            " EI";

@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -224,8 +225,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(CffProgram, KeepsTheStemsOfTheFirstMask) {
     MadeCff made;
     const std::string start = Type2({10.5, 20, 5, 30, kT2HStem, 7, 8, kT2Mask});
-    made.glyphs[1].code = start + "\xA0" + Type2({10, 0, kT2Move, 90, 90, kT2Line, kT2Mask}) +
-                          "\x40" + Type2({kT2End});
+    made.glyphs[1].code =
+        start + "\xA0" + Type2({10, 0, kT2Move, 90, 90, kT2Line, kT2Mask}) + "@" + Type2({kT2End});
     const auto program = OpenBytes(made.Bytes());
     ASSERT_NE(program, nullptr);
     const std::string code = CharStringsOf(program).codes.at("A");
@@ -290,7 +291,7 @@ void UseAll(const Bytes& bytes) {
         EXPECT_FALSE(problem.empty());
         return;
     }
-    program->IsSound();
+    std::ignore = program->IsSound();
     program->UseGlyph("Aacute");
     program->Rename("New");
     CharStringsOf(program);

@@ -15,13 +15,12 @@ inline std::string Measured(const std::string& bytes, const std::string& font,
                             const std::vector<std::string>& glyphs) {
     std::string program = "%!PS\n" + bytes + "\n";
     for (const std::string& glyph : glyphs) {
-        program += "/" + font +
-                   " findfont dup length dict copy dup /FID undef dup /Encoding [65 "
-                   "{/.notdef} repeat /" +
-                   glyph +
-                   " 190 {/.notdef} repeat] put /G exch definefont "
-                   "1000 scalefont setfont newpath 0 0 moveto (A) stringwidth exch == == (A) true "
-                   "charpath flattenpath pathbbox 4 {round cvi =} repeat newpath\n";
+        program.append("/").append(font).append(
+            " findfont dup length dict copy dup /FID undef dup /Encoding [65 {/.notdef} repeat /");
+        program.append(glyph).append(
+            " 190 {/.notdef} repeat] put /G exch definefont 1000 scalefont setfont newpath 0 0 "
+            "moveto (A) stringwidth exch == == (A) true charpath flattenpath pathbbox "
+            "4 {round cvi =} repeat newpath\n");
     }
     const ProgramOutput output = RunPostScript(program);
     EXPECT_EQ(output.complaint, "");

@@ -22,7 +22,7 @@ class PageFonts {
     std::unique_ptr<PdfDocument> mDocument;
 
 public:
-    explicit PageFonts(PdfText pdf, const FontOptions& options = {})
+    explicit PageFonts(const PdfText& pdf, const FontOptions& options = {})
         : mFile(pdf.Bytes()), fonts(options, mReporter) {
         OpenResult result = OpenResult::kOk;
         mDocument = PdfDocument::Open(mFile.Path(), "", mDiagnostics, result, error);

@@ -106,7 +106,7 @@ TEST_F(MeshPictures, FunctionsAreAppliedToWhatIsInterpolated) {
     const auto cube = HOST::MakeExponentialFunction({{0, 1}, {}}, {0}, {1}, 3, error);
     const Pixels pixels =
         Picture(Mesh(5, {0, 0, 0, 255, 0, 255, 0, 255, 0, 255, 255, 255}, cube), kPage);
-    EXPECT_NEAR(pixels.At(0.5, 0.5), 255 / 8, 2);
+    EXPECT_NEAR(pixels.At(0.5, 0.5), 255 / 8.0, 2);
 }
 
 // The patch goes up and comes back; what is painted last along v, and then along u, shows.

@@ -53,7 +53,7 @@ protected:
         page->Take();
         Draw(text);
         writes = page->writes;
-        const std::string written = page->Take();
+        std::string written = page->Take();
         space->EndTextObject();
         return written;
     }
