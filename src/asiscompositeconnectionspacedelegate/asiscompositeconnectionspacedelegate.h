@@ -5,6 +5,8 @@
 #include <string_view>
 
 #include "baseconnectionspacedelegate/baseconnectionspacedelegate.h"
+#include "baseconnectionspacedelegate/names.h"
+#include "core/color/iconnectioncolorspacefactory.h"
 
 namespace VANTIX::RENDERING {
 
@@ -17,80 +19,73 @@ public:
     AsIsCompositeConnectionSpaceDelegate(IClassFactory& factory, std::uint32_t options);
 
     void Init(bool setDefaultColour) override;
-    bool SetColorSpace(COLOR::IConnectionColorSpace* space, bool fill) override;
-    bool SetUncoloredPattern(const char* patternName, COLOR::IConnectionColorSpace* underlying,
+    bool SetColorSpace(IConnectionColorSpace* space, bool fill) override;
+    bool SetUncoloredPattern(const char* patternName, IConnectionColorSpace* underlying,
                              bool fill) override;
-    void Image(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-               float height) override;
-    void FillWithColorSpace(COLOR::IConnectionColorSpace* shading, ResourceId id, float x, float y,
+    void Image(Raster& raster, float x, float y, float width, float height) override;
+    void FillWithColorSpace(IConnectionColorSpace* shading, ResourceId id, float x, float y,
                             float width, float height, bool paint) override;
     bool SetColor(const float* values, std::int32_t count, bool fill) override;
-    void InjectIndexedImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                            float height, COLOR::IIndexedConnectionColorSpace* indexed) override;
-    void WriteGreyscaleImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                             float height) override;
+    void InjectIndexedImage(Raster& raster, float x, float y, float width, float height,
+                            COLOR::IIndexedConnectionColorSpace* indexed) override;
+    void WriteGreyscaleImage(Raster& raster, float x, float y, float width, float height) override;
 
 private:
     using BaseConnectionSpaceDelegate::InjectRaster;
-    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                      float height, const SpotChannels& spots);
-    void InjectEmbeddedProfiledBasedRaster(GRAPHICS::IRasterComponent& raster, float x, float y,
-                                           float width, float height, const SpotChannels& spots);
+    void InjectRaster(Raster& raster, float x, float y, float width, float height,
+                      const SpotChannels& spots);
+    void InjectEmbeddedProfiledBasedRaster(Raster& raster, float x, float y, float width,
+                                           float height, const SpotChannels& spots);
     /// Writes a raster of a Separation or DeviceN space.
-    void InjectSpotSpaceRaster(GRAPHICS::IRasterComponent& raster);
+    void InjectSpotSpaceRaster(Raster& raster);
     /// Writes a raster of a device or profile-based space as one of the device space `family`.
-    void InjectFamilyRaster(GRAPHICS::IRasterComponent& raster, FourCC family);
+    void InjectFamilyRaster(Raster& raster, FourCC family);
     /// Writes a raster whose one channel runs through an RGB profile.
-    void InjectSingleChannelRGB(GRAPHICS::IRasterComponent& raster,
-                                COLOR::IConnectionColorSpace& profile);
-    void WriteCalibratedColour(GRAPHICS::IRasterComponent& raster,
-                               COLOR::IConnectionColorSpace* space, float x, float y, float width,
-                               float height, const SpotChannels& spots);
-    void InjectCMYKPlusSpotRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                  float height, const SpotChannels& spots,
-                                  COLOR::IConnectionColorSpace* space);
-    void InjectRGBPlusSpotRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                 float height, const SpotChannels& spots,
-                                 COLOR::IConnectionColorSpace* space);
-    void InjectIndexedPlusSpotRaster(GRAPHICS::IRasterComponent& raster, float x, float y,
-                                     float width, float height, const SpotChannels& spots);
-    void AddSpots(const SpotChannels& spots, COLOR::IConnectionColorSpace& target,
+    void InjectSingleChannelRGB(Raster& raster, IConnectionColorSpace& profile);
+    void WriteCalibratedColour(Raster& raster, IConnectionColorSpace* space, float x, float y,
+                               float width, float height, const SpotChannels& spots);
+    void InjectCMYKPlusSpotRaster(Raster& raster, float x, float y, float width, float height,
+                                  const SpotChannels& spots, IConnectionColorSpace* space);
+    void InjectRGBPlusSpotRaster(Raster& raster, float x, float y, float width, float height,
+                                 const SpotChannels& spots, IConnectionColorSpace* space);
+    void InjectIndexedPlusSpotRaster(Raster& raster, float x, float y, float width, float height,
+                                     const SpotChannels& spots);
+    void AddSpots(const SpotChannels& spots, IConnectionColorSpace& target,
                   Colorants& colorants) const;
-    void WriteColorantImage(GRAPHICS::IRasterComponent& raster, const Colorants& colorants,
-                            COLOR::IConnectionColorSpace& alternate);
-    void WriteExpandedIndexedImageData(GRAPHICS::IRasterComponent& raster);
+    void WriteColorantImage(Raster& raster, const Colorants& colorants,
+                            IConnectionColorSpace& alternate);
+    void WriteExpandedIndexedImageData(Raster& raster);
     /// Hands the raster to a DeviceN delegate on the same output.
-    void DrawInDeviceN(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                       float height);
+    void DrawInDeviceN(Raster& raster, float x, float y, float width, float height);
     /// Begins an image in the space that `colour` spells, 12 bits for samples of 16.
-    bool BeginImage(const GRAPHICS::IRasterComponent& raster, std::string_view colour,
-                    const char* decode);
-    void InjectEmbeddedIndexedImage(GRAPHICS::IRasterComponent& raster,
-                                    COLOR::IIndexedConnectionColorSpace& indexed, bool imagemask);
+    bool BeginImage(const Raster& raster, std::string_view colour, const char* decode);
+    void InjectEmbeddedIndexedImage(Raster& raster, COLOR::IIndexedConnectionColorSpace& indexed,
+                                    bool imagemask);
     /// Appends the text of a palette's base space with its profile; 0 components (logged) for a
     /// space without one.
-    void AppendEmbeddedBase(std::string& colour, COLOR::IConnectionColorSpace& base,
-                            Palette& palette);
+    void AppendEmbeddedBase(std::string& colour, IConnectionColorSpace& base, Palette& palette);
 
     /// The space that `space` is written as: the alternate of a spot colour that is converted,
     /// else itself.
-    [[nodiscard]] COLOR::IConnectionColorSpace* WrittenSpace(
-        COLOR::IConnectionColorSpace* space) const;
+    [[nodiscard]] IConnectionColorSpace* WrittenSpace(IConnectionColorSpace* space) const;
 
     /// A colour of `space` as one of its written space, ink amounts for CMYK; nothing (logged) when
     /// it cannot be converted.
-    [[nodiscard]] std::optional<ColorValues> WrittenColor(COLOR::IConnectionColorSpace* space,
+    [[nodiscard]] std::optional<ColorValues> WrittenColor(IConnectionColorSpace* space,
                                                           const float* values,
                                                           std::int32_t count) const;
 
-    bool SetPlainColorSpace(COLOR::IConnectionColorSpace* space);
-    bool SetEmbedProfileColorSpace(COLOR::IConnectionColorSpace* space);
+    bool SetPlainColorSpace(IConnectionColorSpace* space);
+    bool SetEmbedProfileColorSpace(IConnectionColorSpace* space);
 
     /// Defines the ICC profile behind `space` (or behind its alternate) in the output; its name is
     /// then in `mResourceName`, which is empty when there is none.
-    void AddProfileColorSpace(COLOR::IConnectionColorSpace* space);
+    void AddProfileColorSpace(IConnectionColorSpace* space);
 
-    [[nodiscard]] COLOR::TRenderingIntent FirstIntent() const;
+    /// Null (logged) when the host has none.
+    [[nodiscard]] TInterfacePtr<COLOR::IConnectionColorSpaceFactory> MakeSpaceFactory() const;
+
+    [[nodiscard]] TRenderingIntent FirstIntent() const;
 
     const bool mEmbedProfiles;
     std::string mResourceName;  // kept, so that naming a resource again allocates nothing

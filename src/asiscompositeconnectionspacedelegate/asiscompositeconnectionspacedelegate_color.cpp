@@ -10,9 +10,6 @@ namespace VANTIX::RENDERING {
 
 namespace {
 
-using COLOR::IConnectionColorSpace;
-using GRAPHICS::HELPER::GetOwnFamily;
-
 constexpr const char* kModule = "src/asiscompositeconnectionspacedelegate";
 
 constexpr float kD50[3] = {0.9642F, 1.0F, 0.8249F};
@@ -65,7 +62,7 @@ void AsIsCompositeConnectionSpaceDelegate::Init(bool setDefaultColour) {
     }
 }
 
-COLOR::TRenderingIntent AsIsCompositeConnectionSpaceDelegate::FirstIntent() const {
+TRenderingIntent AsIsCompositeConnectionSpaceDelegate::FirstIntent() const {
     return RenderingIntents(COLOR::TRenderingIntent::kPerceptual).first;
 }
 
@@ -180,27 +177,14 @@ std::optional<ColorValues> AsIsCompositeConnectionSpaceDelegate::WrittenColor(
 bool AsIsCompositeConnectionSpaceDelegate::SetColor(const float* values, std::int32_t count,
                                                     bool fill) {
     IConnectionColorSpace* current = CurrentColorSpace(fill);
-    if (current == nullptr) {
-        return false;
-    }
-    const auto color = WrittenColor(current, values, count);
-    PS::IPostScriptOutputContext* out = OutputContext();
-    if (out == nullptr || !color) {
-        return false;
-    }
-    out->SetColor(color->values, color->count);
-    return true;
+    return current != nullptr && WriteColor(WrittenColor(current, values, count));
 }
 
 bool AsIsCompositeConnectionSpaceDelegate::SetUncoloredPattern(const char* patternName,
                                                                IConnectionColorSpace* underlying,
                                                                bool fill) {
-    if (underlying == nullptr) {
-        LogError(kModule) << "Underlying colorspace of pattern color space can't be NULL!!!";
-        return false;
-    }
-    PS::IPostScriptOutputContext* out = OutputContext();
-    if (out == nullptr || !SetColorSpace(underlying, fill)) {
+    PS::IPostScriptOutputContext* out = SelectUnderlying(underlying, fill, kModule);
+    if (out == nullptr) {
         return false;
     }
     auto color = CurrentColor(fill, *underlying);

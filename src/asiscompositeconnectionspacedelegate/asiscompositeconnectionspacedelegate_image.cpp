@@ -7,7 +7,6 @@
 #include "baseconnectionspacedelegate/palettes.h"
 #include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/color/iconnectioncolorspacefactory.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/io/ioutputfilterstack.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "devicenconnectionspacedelegate/devicenconnectionspacedelegate.h"
@@ -15,10 +14,6 @@
 namespace VANTIX::RENDERING {
 
 namespace {
-
-using COLOR::IConnectionColorSpace;
-using GRAPHICS::IRasterComponent;
-using GRAPHICS::HELPER::GetOwnFamily;
 
 constexpr const char* kModule = "src/asiscompositeconnectionspacedelegate";
 
@@ -52,7 +47,7 @@ bool Offers(IConnectionColorSpace* space, const GUID& kind) {
     return FindInterface<IObject>(space, kind) != nullptr;
 }
 
-void LogUnsupportedCount(const IRasterComponent& raster) {
+void LogUnsupportedCount(const Raster& raster) {
     LogError(kModule) << "Channel count of " << raster.GetPrimaryCount()
                       << " unsupported printing profile colour space in ASIS.";
 }
@@ -68,8 +63,8 @@ std::string PlainDecode(std::int32_t count) {
 
 }  // namespace
 
-void AsIsCompositeConnectionSpaceDelegate::Image(IRasterComponent& raster, float x, float y,
-                                                 float width, float height) {
+void AsIsCompositeConnectionSpaceDelegate::Image(Raster& raster, float x, float y, float width,
+                                                 float height) {
     if (OutputContext() == nullptr) {
         return;
     }
@@ -78,8 +73,8 @@ void AsIsCompositeConnectionSpaceDelegate::Image(IRasterComponent& raster, float
         DrawInDeviceN(raster, x, y, width, height);
         return;
     }
-    const TInterfacePtr<IRasterComponent> flattened = FlattenSpots(raster, spots);
-    IRasterComponent& drawn = *flattened;
+    const TInterfacePtr<Raster> flattened = FlattenSpots(raster, spots);
+    Raster& drawn = *flattened;
     if (mJawsWorkaround) {
         WriteSoftMaskCompositeAlpha(drawn, 1.0F);
     }
@@ -94,7 +89,7 @@ void AsIsCompositeConnectionSpaceDelegate::Image(IRasterComponent& raster, float
     }
 }
 
-void AsIsCompositeConnectionSpaceDelegate::DrawInDeviceN(IRasterComponent& raster, float x, float y,
+void AsIsCompositeConnectionSpaceDelegate::DrawInDeviceN(Raster& raster, float x, float y,
                                                          float width, float height) {
     const auto colors = CreateObject<COLOR::IConnectionColorSpaceFactory>(
         mFactory, COLOR::IID_ICONNECTIONCOLORSPACEFACTORY);
@@ -117,8 +112,8 @@ void AsIsCompositeConnectionSpaceDelegate::DrawInDeviceN(IRasterComponent& raste
     delegate->Image(raster, x, y, width, height);
 }
 
-bool AsIsCompositeConnectionSpaceDelegate::BeginImage(const IRasterComponent& raster,
-                                                      std::string_view colour, const char* decode) {
+bool AsIsCompositeConnectionSpaceDelegate::BeginImage(const Raster& raster, std::string_view colour,
+                                                      const char* decode) {
     PS::IPostScriptOutputContext* out = OutputContext();
     if (out == nullptr) {
         return false;
@@ -130,7 +125,7 @@ bool AsIsCompositeConnectionSpaceDelegate::BeginImage(const IRasterComponent& ra
     return true;
 }
 
-void AsIsCompositeConnectionSpaceDelegate::InjectRaster(IRasterComponent& raster, float x, float y,
+void AsIsCompositeConnectionSpaceDelegate::InjectRaster(Raster& raster, float x, float y,
                                                         float width, float height,
                                                         const SpotChannels& spots) {
     IConnectionColorSpace* space = raster.GetColorSpace();
@@ -164,8 +159,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectRaster(IRasterComponent& raster
     }
 }
 
-void AsIsCompositeConnectionSpaceDelegate::InjectFamilyRaster(IRasterComponent& raster,
-                                                              FourCC family) {
+void AsIsCompositeConnectionSpaceDelegate::InjectFamilyRaster(Raster& raster, FourCC family) {
     const FamilyImage* image = FindFamilyImage(family);
     if (image == nullptr || (family == "rgb "_cc && raster.GetPrimaryCount() != 3)) {
         LogUnsupportedCount(raster);
@@ -175,7 +169,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectFamilyRaster(IRasterComponent& 
     }
 }
 
-void AsIsCompositeConnectionSpaceDelegate::InjectSpotSpaceRaster(IRasterComponent& raster) {
+void AsIsCompositeConnectionSpaceDelegate::InjectSpotSpaceRaster(Raster& raster) {
     std::string colour;
     std::int32_t count = 1;
     if (AppendSpotSpace(colour, *raster.GetColorSpace(), count, mEmbedProfiles)) {
@@ -188,8 +182,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectSpotSpaceRaster(IRasterComponen
 }
 
 void AsIsCompositeConnectionSpaceDelegate::InjectEmbeddedProfiledBasedRaster(
-    IRasterComponent& raster, float x, float y, float width, float height,
-    const SpotChannels& spots) {
+    Raster& raster, float x, float y, float width, float height, const SpotChannels& spots) {
     IConnectionColorSpace* space = raster.GetColorSpace();
     const FourCC family = GetOwnFamily(space);
     const bool isSpotted = !spots.empty() && Offers(space, COLOR::IID_IDEVICECOLORSPACE);
@@ -213,7 +206,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectEmbeddedProfiledBasedRaster(
     }
 }
 
-void AsIsCompositeConnectionSpaceDelegate::WriteCalibratedColour(IRasterComponent& raster,
+void AsIsCompositeConnectionSpaceDelegate::WriteCalibratedColour(Raster& raster,
                                                                  IConnectionColorSpace* space,
                                                                  float /*x*/, float /*y*/,
                                                                  float /*width*/, float /*height*/,
@@ -247,7 +240,17 @@ void AsIsCompositeConnectionSpaceDelegate::WriteCalibratedColour(IRasterComponen
     }
 }
 
-void AsIsCompositeConnectionSpaceDelegate::InjectSingleChannelRGB(IRasterComponent& raster,
+TInterfacePtr<COLOR::IConnectionColorSpaceFactory>
+AsIsCompositeConnectionSpaceDelegate::MakeSpaceFactory() const {
+    auto colors = CreateObject<COLOR::IConnectionColorSpaceFactory>(
+        mFactory, COLOR::IID_ICONNECTIONCOLORSPACEFACTORY);
+    if (!colors) {
+        LogError(kModule) << "Could not create a colour space factory.";
+    }
+    return colors;
+}
+
+void AsIsCompositeConnectionSpaceDelegate::InjectSingleChannelRGB(Raster& raster,
                                                                   IConnectionColorSpace& profile) {
     constexpr std::int32_t kEntries = 256;
     if (raster.GetBitsPerSample() != 8) {
@@ -256,10 +259,8 @@ void AsIsCompositeConnectionSpaceDelegate::InjectSingleChannelRGB(IRasterCompone
                           << raster.GetBitsPerSample();
         return;
     }
-    const auto colors = CreateObject<COLOR::IConnectionColorSpaceFactory>(
-        mFactory, COLOR::IID_ICONNECTIONCOLORSPACEFACTORY);
+    const auto colors = MakeSpaceFactory();
     if (!colors) {
-        LogError(kModule) << "Could not create a colour space factory.";
         return;
     }
     const auto rgb =
@@ -286,7 +287,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectSingleChannelRGB(IRasterCompone
 }
 
 void AsIsCompositeConnectionSpaceDelegate::InjectIndexedImage(
-    IRasterComponent& raster, float x, float y, float width, float height,
+    Raster& raster, float x, float y, float width, float height,
     COLOR::IIndexedConnectionColorSpace* indexed) {
     const bool imagemask = BecomesImageMask(raster);
     if (mEmbedProfiles && indexed != nullptr) {
@@ -319,7 +320,7 @@ void AsIsCompositeConnectionSpaceDelegate::AppendEmbeddedBase(std::string& colou
 }
 
 void AsIsCompositeConnectionSpaceDelegate::InjectEmbeddedIndexedImage(
-    IRasterComponent& raster, COLOR::IIndexedConnectionColorSpace& indexed, bool imagemask) {
+    Raster& raster, COLOR::IIndexedConnectionColorSpace& indexed, bool imagemask) {
     IConnectionColorSpace* base = indexed.GetBaseSpace();
     if (base == nullptr) {
         LogError(kModule) << "alternativeColorSpace cannot be NULL.";
@@ -341,8 +342,8 @@ void AsIsCompositeConnectionSpaceDelegate::InjectEmbeddedIndexedImage(
     }
 }
 
-void AsIsCompositeConnectionSpaceDelegate::WriteGreyscaleImage(IRasterComponent& raster, float x,
-                                                               float y, float width, float height) {
+void AsIsCompositeConnectionSpaceDelegate::WriteGreyscaleImage(Raster& raster, float x, float y,
+                                                               float width, float height) {
     BaseConnectionSpaceDelegate::WriteGreyscaleImage(raster, x, y, width, height);
 }
 

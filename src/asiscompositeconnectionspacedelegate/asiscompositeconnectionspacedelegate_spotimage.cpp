@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "asiscompositeconnectionspacedelegate/asiscompositeconnectionspacedelegate.h"
+#include "baseconnectionspacedelegate/channels.h"
 #include "baseconnectionspacedelegate/colorants.h"
 #include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/color/iconnectioncolorspacefactory.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "postscriptdatastream/workbuffer.h"
 
@@ -19,19 +19,13 @@ namespace VANTIX::RENDERING {
 
 namespace {
 
-using COLOR::IConnectionColorSpace;
-using GRAPHICS::IChannelData;
-using GRAPHICS::IChannelDesc;
-using GRAPHICS::IRasterComponent;
-using GRAPHICS::HELPER::GetOwnFamily;
-
 constexpr const char* kModule = "src/asiscompositeconnectionspacedelegate";
 
 /// Pixels of a palette's colours followed by spot samples.
 class ExpandedLine {
 public:
     /// False (logged) for a raster that lacks something.
-    bool Gather(IRasterComponent& raster) {
+    bool Gather(Raster& raster) {
         auto* indexed = AsIndexed(raster.GetColorSpace());
         for (std::int32_t i = 0; i < raster.GetPrimaryCount(); ++i) {
             if (!Add(raster.GetPrimary(i), i, "primary")) {
@@ -83,17 +77,11 @@ public:
 
 private:
     bool Add(const IChannelDesc* channel, std::int32_t index, const char* kind) {
-        if (channel == nullptr) {
-            LogError(kModule) << "Raster's " << index << " " << kind
-                              << " channel description is nil.";
+        IChannelData* data = AttachedData(channel, index, kind, kModule);
+        if (data == nullptr) {
             return false;
         }
-        if (channel->GetData() == nullptr) {
-            LogError(kModule) << (*kind == 'p' ? "Primary" : "Extra") << " channel description "
-                              << index << " missing attached channel data.";
-            return false;
-        }
-        mData.push_back(channel->GetData());
+        mData.push_back(data);
         return true;
     }
 
@@ -117,7 +105,7 @@ private:
 };
 
 /// Adds the process colorants that the raster has; all of them for an Indexed one.
-void AddProcess(const IRasterComponent& raster, std::span<const std::string_view> names,
+void AddProcess(const Raster& raster, std::span<const std::string_view> names,
                 Colorants& colorants) {
     std::uint64_t mask = 0;
     const bool isIndexed =
@@ -154,7 +142,7 @@ void AsIsCompositeConnectionSpaceDelegate::AddSpots(const SpotChannels& spots,
     }
 }
 
-void AsIsCompositeConnectionSpaceDelegate::WriteColorantImage(IRasterComponent& raster,
+void AsIsCompositeConnectionSpaceDelegate::WriteColorantImage(Raster& raster,
                                                               const Colorants& colorants,
                                                               IConnectionColorSpace& alternate) {
     PS::IPostScriptOutputContext* out = OutputContext();
@@ -174,9 +162,11 @@ void AsIsCompositeConnectionSpaceDelegate::WriteColorantImage(IRasterComponent& 
     }
 }
 
-void AsIsCompositeConnectionSpaceDelegate::InjectCMYKPlusSpotRaster(
-    IRasterComponent& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
-    const SpotChannels& spots, IConnectionColorSpace* space) {
+void AsIsCompositeConnectionSpaceDelegate::InjectCMYKPlusSpotRaster(Raster& raster, float /*x*/,
+                                                                    float /*y*/, float /*width*/,
+                                                                    float /*height*/,
+                                                                    const SpotChannels& spots,
+                                                                    IConnectionColorSpace* space) {
     const auto* indexed = AsIndexed(raster.GetColorSpace());
     Colorants colorants;
     if (indexed != nullptr && GetOwnFamily(indexed->GetBaseSpace()) == "gray"_cc) {
@@ -188,26 +178,26 @@ void AsIsCompositeConnectionSpaceDelegate::InjectCMYKPlusSpotRaster(
     WriteColorantImage(raster, colorants, *space);
 }
 
-void AsIsCompositeConnectionSpaceDelegate::InjectRGBPlusSpotRaster(
-    IRasterComponent& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
-    const SpotChannels& spots, IConnectionColorSpace* space) {
+void AsIsCompositeConnectionSpaceDelegate::InjectRGBPlusSpotRaster(Raster& raster, float /*x*/,
+                                                                   float /*y*/, float /*width*/,
+                                                                   float /*height*/,
+                                                                   const SpotChannels& spots,
+                                                                   IConnectionColorSpace* space) {
     Colorants colorants;
     AddProcess(raster, Colorants::kProcessLights, colorants);
     AddSpots(spots, *space, colorants);
     WriteColorantImage(raster, colorants, *space);
 }
 
-void AsIsCompositeConnectionSpaceDelegate::InjectIndexedPlusSpotRaster(IRasterComponent& raster,
-                                                                       float x, float y,
-                                                                       float width, float height,
+void AsIsCompositeConnectionSpaceDelegate::InjectIndexedPlusSpotRaster(Raster& raster, float x,
+                                                                       float y, float width,
+                                                                       float height,
                                                                        const SpotChannels& spots) {
     LogError(kModule) << "Incomplete handling.";
     const auto* indexed = AsIndexed(raster.GetColorSpace());
     const FourCC family = indexed == nullptr ? 0 : GetOwnFamily(indexed->GetBaseSpace());
-    const auto colors = CreateObject<COLOR::IConnectionColorSpaceFactory>(
-        mFactory, COLOR::IID_ICONNECTIONCOLORSPACEFACTORY);
+    const auto colors = MakeSpaceFactory();
     if (!colors) {
-        LogError(kModule) << "Could not create a colour space factory.";
         return;
     }
     // A profile of the palette's base would do as well, but only device spaces are alternates here.
@@ -224,7 +214,7 @@ void AsIsCompositeConnectionSpaceDelegate::InjectIndexedPlusSpotRaster(IRasterCo
     }
 }
 
-void AsIsCompositeConnectionSpaceDelegate::WriteExpandedIndexedImageData(IRasterComponent& raster) {
+void AsIsCompositeConnectionSpaceDelegate::WriteExpandedIndexedImageData(Raster& raster) {
     PS::IPostScriptOutputContext* out = OutputContext();
     if (out == nullptr) {
         return;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "baseconnectionspacedelegate/iconnectionspacedelegate.h"
+#include "baseconnectionspacedelegate/names.h"
 #include "core/io/idictionary.h"
 #include "core/object/tobject.h"
 #include "postscriptconnectionspace/ipostscriptoutputcontext.h"
@@ -51,18 +52,17 @@ public:
 
     void Init(bool setDefaultColour) override { mDefaultColourSet = setDefaultColour; }
 
-    void SetColorSpaceAndValues(COLOR::IConnectionColorSpace* space, const float* values,
+    void SetColorSpaceAndValues(IConnectionColorSpace* space, const float* values,
                                 std::int32_t count, bool fill) override;
-    bool SetUncoloredPattern(const char* patternName, COLOR::IConnectionColorSpace* underlying,
+    bool SetUncoloredPattern(const char* patternName, IConnectionColorSpace* underlying,
                              bool fill) override;
     bool SetPatternColorSpace(const char* patternName) override;
-    void FillWithColorSpace(COLOR::IConnectionColorSpace* shading, ResourceId id, float x, float y,
+    void FillWithColorSpace(IConnectionColorSpace* shading, ResourceId id, float x, float y,
                             float width, float height, bool paint) override;
 
     /// Flattens spot channels and writes the soft mask where the options ask for it, and hands the
     /// raster to the injection operation for its space.
-    void Image(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-               float height) override;
+    void Image(Raster& raster, float x, float y, float width, float height) override;
 
     void SetGraphicsState(GRAPHICS::IGraphicsState* state) override { mGraphicsState = state; }
 
@@ -70,66 +70,62 @@ public:
 
     bool WasDefaultColourSet() const override { return mDefaultColourSet; }
 
-    virtual void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                              float height);
-    virtual void InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& raster, float x, float y,
-                                        float width, float height, FourCC deviceKey);
+    virtual void InjectRaster(Raster& raster, float x, float y, float width, float height);
+    virtual void InjectDeviceSpaceImage(Raster& raster, float x, float y, float width, float height,
+                                        FourCC deviceKey);
     /// Writes a colour of the state's current space; `values` in host form.
     virtual bool SetColor(const float* values, std::int32_t count, bool fill) = 0;
-    virtual void InjectIndexedImage(GRAPHICS::IRasterComponent& raster, float x, float y,
-                                    float width, float height,
+    virtual void InjectIndexedImage(Raster& raster, float x, float y, float width, float height,
                                     COLOR::IIndexedConnectionColorSpace* indexed) = 0;
-    virtual void WriteGreyscaleImage(GRAPHICS::IRasterComponent& raster, float x, float y,
-                                     float width, float height) = 0;
-    virtual void InjectRGBImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                float height);
-    virtual void InjectCMYKImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                 float height);
-    virtual void InjectCalibratedGreyscaleImage(GRAPHICS::IRasterComponent& raster, float x,
-                                                float y, float width, float height,
+    virtual void WriteGreyscaleImage(Raster& raster, float x, float y, float width,
+                                     float height) = 0;
+    virtual void InjectRGBImage(Raster& raster, float x, float y, float width, float height);
+    virtual void InjectCMYKImage(Raster& raster, float x, float y, float width, float height);
+    virtual void InjectCalibratedGreyscaleImage(Raster& raster, float x, float y, float width,
+                                                float height,
                                                 COLOR::ICalibratedConnectionColorSpace* space);
-    virtual void InjectCalibratedRGBImage(GRAPHICS::IRasterComponent& raster, float x, float y,
-                                          float width, float height,
+    virtual void InjectCalibratedRGBImage(Raster& raster, float x, float y, float width,
+                                          float height,
                                           COLOR::ICalibratedConnectionColorSpace* space);
-    virtual void InjectLabImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                float height, COLOR::ICalibratedConnectionColorSpace* space);
+    virtual void InjectLabImage(Raster& raster, float x, float y, float width, float height,
+                                COLOR::ICalibratedConnectionColorSpace* space);
 
 protected:
     /// `destination` (null for none) is the space of the output model; `options` are
     /// `DELEGATEOPTION` bits.
-    BaseConnectionSpaceDelegate(IClassFactory& factory, COLOR::IConnectionColorSpace* destination,
+    BaseConnectionSpaceDelegate(IClassFactory& factory, IConnectionColorSpace* destination,
                                 std::uint32_t options);
 
     /// The output context (borrowed), or null (logged).
     PS::IPostScriptOutputContext* OutputContext();
 
     /// The state's intents, source side and destination side; `absent` twice without a state.
-    [[nodiscard]] std::pair<COLOR::TRenderingIntent, COLOR::TRenderingIntent> RenderingIntents(
-        COLOR::TRenderingIntent absent) const;
+    [[nodiscard]] std::pair<TRenderingIntent, TRenderingIntent> RenderingIntents(
+        TRenderingIntent absent) const;
 
     /// The state's current colour space (borrowed), or null.
-    [[nodiscard]] COLOR::IConnectionColorSpace* CurrentColorSpace(bool fill) const;
+    [[nodiscard]] IConnectionColorSpace* CurrentColorSpace(bool fill) const;
 
     /// The state's current colour in host form, for `space`; zeros without a state, nothing when
     /// the space has too many components.
-    [[nodiscard]] std::optional<ColorValues> CurrentColor(
-        bool fill, const COLOR::IConnectionColorSpace& space) const;
+    [[nodiscard]] std::optional<ColorValues> CurrentColor(bool fill,
+                                                          const IConnectionColorSpace& space) const;
 
     /// The host's connection colour (X Y Z) of a colour of `source` in host form. Nothing when the
     /// host cannot.
     static std::optional<std::array<float, 3>> ToConnectionColor(
-        const COLOR::IConnectionColorSpace& source, const float* values, std::int32_t count,
-        COLOR::TRenderingIntent intent);
+        const IConnectionColorSpace& source, const float* values, std::int32_t count,
+        TRenderingIntent intent);
 
     /// A colour of `source` converted by the host into one of `destination`, both in host form.
     /// Nothing when the host cannot.
     static std::optional<ColorValues> ConvertByHost(
-        const COLOR::IConnectionColorSpace& source, const COLOR::IConnectionColorSpace& destination,
+        const IConnectionColorSpace& source, const IConnectionColorSpace& destination,
         const float* values, std::int32_t count,
-        const std::pair<COLOR::TRenderingIntent, COLOR::TRenderingIntent>& intents);
+        const std::pair<TRenderingIntent, TRenderingIntent>& intents);
 
     /// Selects the device space `key`, or Registration or None where `space` is one of them.
-    bool SetDeviceColorSpaceByKey(COLOR::IConnectionColorSpace* space, FourCC key);
+    bool SetDeviceColorSpaceByKey(IConnectionColorSpace* space, FourCC key);
 
     /// Selects the Separation, defined under a name of its own at its first use. True when it was
     /// written and the name kept.
@@ -140,20 +136,27 @@ protected:
     bool SetCalibratedColorSpace(COLOR::ICalibratedConnectionColorSpace* space);
 
     /// Writes a colour of `source` as one of `destination`, a device or profile-based space.
-    bool SetColorWithConversion(COLOR::IConnectionColorSpace* source,
-                                COLOR::IConnectionColorSpace* destination, const float* values,
-                                std::int32_t count);
+    bool SetColorWithConversion(IConnectionColorSpace* source, IConnectionColorSpace* destination,
+                                const float* values, std::int32_t count);
+
+    /// Writes a colour of the space that is selected; false for none, or without an output context.
+    bool WriteColor(const std::optional<ColorValues>& color);
+
+    /// Selects the space that an uncoloured pattern is painted in. The output context (borrowed),
+    /// or null (logged in the name of `module`) when it cannot be.
+    PS::IPostScriptOutputContext* SelectUnderlying(IConnectionColorSpace* underlying, bool fill,
+                                                   const char* module);
 
     /// The conversion alone, to ink amounts for CMYK; nothing (logged) for a destination of another
     /// kind. Black and white tints are mapped without the host.
-    std::optional<ColorValues> ConvertColor(COLOR::IConnectionColorSpace* source,
-                                            COLOR::IConnectionColorSpace* destination,
-                                            const float* values, std::int32_t count) const;
+    std::optional<ColorValues> ConvertColor(IConnectionColorSpace* source,
+                                            IConnectionColorSpace* destination, const float* values,
+                                            std::int32_t count) const;
 
     using ShadingWriter = bool (*)(PS::IPostScriptOutputContext& out,
                                    COLOR::IShadingColorSpace* shading,
-                                   COLOR::IConnectionColorSpace* destination,
-                                   std::int32_t languageLevel, bool paint, bool colourManaged);
+                                   IConnectionColorSpace* destination, std::int32_t languageLevel,
+                                   bool paint, bool colourManaged);
 
     /// A shading (borrowed) and the output context's writer for its type.
     struct TypedShading {
@@ -162,23 +165,21 @@ protected:
     };
 
     /// `shading` as one of the seven types; null (logged) when it is none of them.
-    static TypedShading FindShading(COLOR::IConnectionColorSpace* shading);
+    static TypedShading FindShading(IConnectionColorSpace* shading);
 
-    using SpacePredicate = std::function<bool(COLOR::IConnectionColorSpace* space)>;
+    using SpacePredicate = std::function<bool(IConnectionColorSpace* space)>;
 
     /// Writes a shading (null: nothing) with its colours converted into `destination`, unless it is
     /// in a space of which `keeps` is true.
-    void FillConverted(COLOR::IConnectionColorSpace* shading,
-                       COLOR::IConnectionColorSpace* destination, bool paint,
-                       const SpacePredicate& keeps = nullptr);
+    void FillConverted(IConnectionColorSpace* shading, IConnectionColorSpace* destination,
+                       bool paint, const SpacePredicate& keeps = nullptr);
 
     /// Lets the output context write the shading's dictionary with its colours converted into
     /// `destination` (null: kept); false when it did not complete it.
-    bool WriteShadingDictionary(const TypedShading& shading,
-                                COLOR::IConnectionColorSpace* destination, bool paint,
-                                bool colourManaged);
+    bool WriteShadingDictionary(const TypedShading& shading, IConnectionColorSpace* destination,
+                                bool paint, bool colourManaged);
 
-    using SpotChannels = std::vector<const GRAPHICS::IChannelDesc*>;
+    using SpotChannels = std::vector<const IChannelDesc*>;
 
     /// A palette as it is written.
     struct Palette {
@@ -189,99 +190,94 @@ protected:
     };
 
     /// The extra channels of type "SPOT" (borrowed).
-    static SpotChannels FindSpotChannels(const GRAPHICS::IRasterComponent& raster);
+    static SpotChannels FindSpotChannels(const Raster& raster);
 
     using MissingPlaneLog = std::function<void(std::int32_t line, std::size_t channel)>;
 
     /// Whether `WriteImageData` has something to write: false (logged) for a raster without
     /// primaries, with one that is there but has no data, or of a depth that is not supported. No
     /// image may be begun then.
-    [[nodiscard]] static bool HasImageData(const GRAPHICS::IRasterComponent& raster,
-                                           std::int32_t channels,
+    [[nodiscard]] static bool HasImageData(const Raster& raster, std::int32_t channels,
                                            const MissingPlaneLog& logMissing = nullptr);
     /// The same of all primaries and all spot channels.
-    [[nodiscard]] static bool HasImageData(const GRAPHICS::IRasterComponent& raster);
+    [[nodiscard]] static bool HasImageData(const Raster& raster);
     /// Writes 1, 3 or 4 primaries, pixel-interleaved, as the data of the image just begun. Words
     /// of 16 bits are reduced to 12. A missing line ends the image; `logMissing` says so in other
     /// words than the usual ones.
-    void WriteImageData(GRAPHICS::IRasterComponent& raster, std::int32_t channels,
-                        std::int32_t depth, std::int32_t width,
-                        const MissingPlaneLog& logMissing = nullptr);
+    void WriteImageData(Raster& raster, std::int32_t channels, std::int32_t depth,
+                        std::int32_t width, const MissingPlaneLog& logMissing = nullptr);
     /// Writes all primaries and all spot channels, pixel-interleaved; four primaries are
     /// complemented.
-    void WriteImageData(GRAPHICS::IRasterComponent& raster);
+    void WriteImageData(Raster& raster);
     /// The same for pixels whose primaries are ink amounts of colorants: all primaries are
     /// complemented, and those that the raster's mask marks absent are left out.
-    void WriteInkImageData(GRAPHICS::IRasterComponent& raster);
+    void WriteInkImageData(Raster& raster);
 
     /// Writes an image with a palette, or its shape as an image mask in a colour of the palette.
     /// `alternative` (null: none) is the space that the palette is converted into.
-    void InjectIndexedRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                             float height, COLOR::IIndexedConnectionColorSpace* indexed,
-                             COLOR::IConnectionColorSpace* alternative, bool imagemask);
+    void InjectIndexedRaster(Raster& raster, float x, float y, float width, float height,
+                             COLOR::IIndexedConnectionColorSpace* indexed,
+                             IConnectionColorSpace* alternative, bool imagemask);
     /// Appends the colour-space text of an indexed image up to its palette. False (logged) for a
     /// target that has none; `count` takes the components of a DeviceN target.
-    bool BuildIndexedColourString(std::string& out, COLOR::IConnectionColorSpace* base,
-                                  COLOR::IConnectionColorSpace* target, std::int32_t& count,
+    bool BuildIndexedColourString(std::string& out, IConnectionColorSpace* base,
+                                  IConnectionColorSpace* target, std::int32_t& count,
                                   bool withoutPrefix);
     /// Appends the palette to `colour`, which is the text of its space, and writes image and data.
     /// An image mask paints with `maskEntry`.
-    void WriteIndexedImage(GRAPHICS::IRasterComponent& raster, std::string& colour,
-                           const Palette& palette, bool imagemask, std::int32_t maskEntry);
+    void WriteIndexedImage(Raster& raster, std::string& colour, const Palette& palette,
+                           bool imagemask, std::int32_t maskEntry);
     /// Appends "hh…" for each entry, in lines of 16, and the end of the palette.
     static void AppendPalette(std::string& out, const Palette& palette);
     /// Appends the array of a Separation or DeviceN space; false (logged) for any other.
-    bool AppendSpotSpace(std::string& out, COLOR::IConnectionColorSpace& space, std::int32_t& count,
+    bool AppendSpotSpace(std::string& out, IConnectionColorSpace& space, std::int32_t& count,
                          bool colourManaged);
     /// Appends "[/DeviceN [[(Cyan)…] alternate {tint}] " for colorants that are printed over one
     /// another; false (logged) when it cannot.
     bool AppendColorantSpace(std::string& out, const Colorants& colorants,
-                             COLOR::IConnectionColorSpace& alternate, bool colourManaged);
+                             IConnectionColorSpace& alternate, bool colourManaged);
     /// Whether `raster`'s extra channel 0 has data that is not fully opaque.
-    static bool HasMaskChannel(const GRAPHICS::IRasterComponent& raster);
+    static bool HasMaskChannel(const Raster& raster);
 
     /// Whether an Indexed raster is the shape of an image mask: of one bit, with a mask channel
     /// that is not written as an image of its own.
-    [[nodiscard]] bool BecomesImageMask(const GRAPHICS::IRasterComponent& raster) const {
+    [[nodiscard]] bool BecomesImageMask(const Raster& raster) const {
         return !mJawsWorkaround && raster.GetBitsPerSample() == 1 && HasMaskChannel(raster);
     }
 
     /// Writes a gray raster in an alternate space: not possible; always 72 (logged).
-    static Status InjectGreyscaleImageInAlternateColorSpace(GRAPHICS::IRasterComponent& raster,
-                                                            float x, float y, float width,
-                                                            float height, std::int32_t depth);
+    static Status InjectGreyscaleImageInAlternateColorSpace(Raster& raster, float x, float y,
+                                                            float width, float height,
+                                                            std::int32_t depth);
 
     /// The raster with its spot channels flattened, and `spots` emptied; the raster itself where
     /// there are none, or they cannot be flattened (logged).
-    TInterfacePtr<GRAPHICS::IRasterComponent> FlattenSpots(GRAPHICS::IRasterComponent& raster,
-                                                           SpotChannels& spots) const;
+    TInterfacePtr<Raster> FlattenSpots(Raster& raster, SpotChannels& spots) const;
     /// Paints the spot channels over the process channels of a new raster. 0, or the failing status
     /// (logged), with `out` null.
-    Status CompositeSpotsToNewRasterInDelegateColorSpace(
-        const GRAPHICS::IRasterComponent& raster, const SpotChannels& spots,
-        TInterfacePtr<GRAPHICS::IRasterComponent>& out) const;
-    Status CreateRasterForSpotComposite(const GRAPHICS::IRasterComponent& raster,
-                                        TInterfacePtr<GRAPHICS::IRasterComponent>& out,
+    Status CompositeSpotsToNewRasterInDelegateColorSpace(const Raster& raster,
+                                                         const SpotChannels& spots,
+                                                         TInterfacePtr<Raster>& out) const;
+    Status CreateRasterForSpotComposite(const Raster& raster, TInterfacePtr<Raster>& out,
                                         bool allSpotsHaveSpaces) const;
-    Status CompositeDeviceNRasterToNewRasterInDelegateColorSpace(
-        const GRAPHICS::IRasterComponent& raster,
-        TInterfacePtr<GRAPHICS::IRasterComponent>& out) const;
+    Status CompositeDeviceNRasterToNewRasterInDelegateColorSpace(const Raster& raster,
+                                                                 TInterfacePtr<Raster>& out) const;
 
     /// Writes the raster's alpha channel as a soft-mask image tied to the image that follows
     /// (pdfmark Reference).
-    void WriteSoftMaskCompositeAlpha(const GRAPHICS::IRasterComponent& raster, float opacity);
-    void Write1BitSoftMask(GRAPHICS::IChannelData* alpha, std::int32_t width, std::int32_t height,
+    void WriteSoftMaskCompositeAlpha(const Raster& raster, float opacity);
+    void Write1BitSoftMask(IChannelData* alpha, std::int32_t width, std::int32_t height,
                            float opacity, std::int32_t maskNumber);
-    void Write2BitSoftMask(GRAPHICS::IChannelData* alpha, std::int32_t width, std::int32_t height,
+    void Write2BitSoftMask(IChannelData* alpha, std::int32_t width, std::int32_t height,
                            float opacity, std::int32_t maskNumber);
-    void Write4BitSoftMask(GRAPHICS::IChannelData* alpha, std::int32_t width, std::int32_t height,
+    void Write4BitSoftMask(IChannelData* alpha, std::int32_t width, std::int32_t height,
                            float opacity, std::int32_t maskNumber);
-    void Write8BitSoftMask(GRAPHICS::IChannelData* alpha, std::int32_t width, std::int32_t height,
+    void Write8BitSoftMask(IChannelData* alpha, std::int32_t width, std::int32_t height,
                            float opacity, std::int32_t maskNumber);
-    void Write16BitSoftMask(GRAPHICS::IChannelData* alpha, std::int32_t width, std::int32_t height,
+    void Write16BitSoftMask(IChannelData* alpha, std::int32_t width, std::int32_t height,
                             float opacity, std::int32_t maskNumber);
 
-    TInterfacePtr<COLOR::IConnectionColorSpace> mDestination;
+    TInterfacePtr<IConnectionColorSpace> mDestination;
     TInterfacePtr<GRAPHICS::ISwizzleServices> mSwizzle;
     IClassFactory* mFactory;
     GRAPHICS::IGraphicsState* mGraphicsState = nullptr;
@@ -294,24 +290,23 @@ protected:
 
 private:
     struct NamedSpace {
-        TInterfacePtr<COLOR::IConnectionColorSpace> space;
+        TInterfacePtr<IConnectionColorSpace> space;
         TInterfacePtr<IO::IKeyedProperties> properties;
     };
 
     /// Hangs `name` on the space for the next time and notes it for the clean-up.
-    bool KeepName(COLOR::IConnectionColorSpace& space, const std::string& name);
+    bool KeepName(IConnectionColorSpace& space, const std::string& name);
 
     /// Paints the spot channels over the primaries of `target`; false (logged) when one cannot be.
-    bool PaintSpots(const GRAPHICS::IRasterComponent& raster, const SpotChannels& spots,
-                    GRAPHICS::IRasterComponent& target, bool isAllSpots, bool haveSpaces) const;
+    bool PaintSpots(const Raster& raster, const SpotChannels& spots, Raster& target,
+                    bool isAllSpots, bool haveSpaces) const;
 
     /// Brings a palette of `base`, whose entries and bytes are set, into `target`, or keeps it.
     /// `storage` holds what has to be converted.
-    bool ConvertPaletteToTarget(const GRAPHICS::IRasterComponent& raster,
-                                COLOR::IConnectionColorSpace& base,
-                                COLOR::IConnectionColorSpace& target, Palette& palette,
+    bool ConvertPaletteToTarget(const Raster& raster, IConnectionColorSpace& base,
+                                IConnectionColorSpace& target, Palette& palette,
                                 std::string& storage);
-    bool KeepPalette(COLOR::IConnectionColorSpace& base, Palette& palette, std::string& storage);
+    bool KeepPalette(IConnectionColorSpace& base, Palette& palette, std::string& storage);
 
     std::vector<NamedSpace> mNamedSpaces;
     bool mDefaultColourSet = false;

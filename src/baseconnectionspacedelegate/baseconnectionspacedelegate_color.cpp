@@ -14,9 +14,6 @@ namespace VANTIX::RENDERING {
 
 namespace {
 
-using COLOR::IConnectionColorSpace;
-using COLOR::TRenderingIntent;
-using GRAPHICS::HELPER::GetOwnFamily;
 using PS::IPostScriptOutputContext;
 
 constexpr const char* kModule = "src/baseconnectionspacedelegate";
@@ -248,10 +245,7 @@ bool BaseConnectionSpaceDelegate::KeepName(IConnectionColorSpace& space, const s
 
 bool BaseConnectionSpaceDelegate::SetSeparationColorSpace(
     COLOR::ISeparationConnectionColorSpace* space, bool colourManaged) {
-    if (space == nullptr) {
-        return false;
-    }
-    IPostScriptOutputContext* out = OutputContext();
+    IPostScriptOutputContext* out = space == nullptr ? nullptr : OutputContext();
     if (out == nullptr) {
         return false;
     }
@@ -274,10 +268,7 @@ bool BaseConnectionSpaceDelegate::SetSeparationColorSpace(
 
 bool BaseConnectionSpaceDelegate::SetDeviceNColorSpace(COLOR::IDeviceNConnectionColorSpace* space,
                                                        bool colourManaged) {
-    if (space == nullptr) {
-        return false;
-    }
-    IPostScriptOutputContext* out = OutputContext();
+    IPostScriptOutputContext* out = space == nullptr ? nullptr : OutputContext();
     if (out == nullptr) {
         return false;
     }
@@ -307,15 +298,21 @@ bool BaseConnectionSpaceDelegate::SetPatternColorSpace(const char* patternName) 
     return out != nullptr && out->SetPatternColor(patternName, nullptr, nullptr);
 }
 
+IPostScriptOutputContext* BaseConnectionSpaceDelegate::SelectUnderlying(
+    IConnectionColorSpace* underlying, bool fill, const char* module) {
+    if (underlying == nullptr) {
+        LogError(module) << "Underlying colorspace of pattern color space can't be NULL!!!";
+        return nullptr;
+    }
+    IPostScriptOutputContext* out = OutputContext();
+    return out != nullptr && SetColorSpace(underlying, fill) ? out : nullptr;
+}
+
 bool BaseConnectionSpaceDelegate::SetUncoloredPattern(const char* patternName,
                                                       IConnectionColorSpace* underlying,
                                                       bool fill) {
-    if (underlying == nullptr) {
-        LogError(kModule) << "Underlying colorspace of pattern color space can't be NULL!!!";
-        return false;
-    }
-    IPostScriptOutputContext* out = OutputContext();
-    if (out == nullptr || !SetColorSpace(underlying, fill)) {
+    IPostScriptOutputContext* out = SelectUnderlying(underlying, fill, kModule);
+    if (out == nullptr) {
         return false;
     }
     auto color = CurrentColor(fill, *underlying);
@@ -374,7 +371,10 @@ std::optional<ColorValues> BaseConnectionSpaceDelegate::ConvertColor(
 bool BaseConnectionSpaceDelegate::SetColorWithConversion(IConnectionColorSpace* source,
                                                          IConnectionColorSpace* destination,
                                                          const float* values, std::int32_t count) {
-    const auto color = ConvertColor(source, destination, values, count);
+    return WriteColor(ConvertColor(source, destination, values, count));
+}
+
+bool BaseConnectionSpaceDelegate::WriteColor(const std::optional<ColorValues>& color) {
     IPostScriptOutputContext* out = OutputContext();
     if (out == nullptr || !color) {
         return false;

@@ -7,16 +7,11 @@
 #include "baseconnectionspacedelegate/channels.h"
 #include "baseconnectionspacedelegate/interleavedline.h"
 #include "baseconnectionspacedelegate/spacekinds.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 
 namespace VANTIX::RENDERING {
 
 namespace {
-
-using GRAPHICS::IChannelData;
-using GRAPHICS::IChannelDesc;
-using GRAPHICS::IRasterComponent;
 
 constexpr const char* kModule = "src/baseconnectionspacedelegate";
 
@@ -45,21 +40,14 @@ struct Channels {
 
     /// Adds the channel; false (logged) when it has no data. `kind` is "primary" or "extra".
     bool Add(const IChannelDesc* channel, std::int32_t index, const char* kind) {
-        if (channel == nullptr) {
-            LogError(kModule) << "Raster's " << index << " " << kind
-                              << " channel description is nil.";
+        IChannelData* attached =
+            AttachedData(count < data.size() ? channel : nullptr, index, kind, kModule);
+        if (attached == nullptr) {
             return false;
         }
-        if (channel->GetData() == nullptr || count == data.size()) {
-            LogError(kModule) << (*kind == 'p' ? "Primary" : "Extra") << " channel description "
-                              << index << " missing attached channel data.";
-            return false;
-        }
-        data[count++] = channel->GetData();
+        data[count++] = attached;
         return true;
     }
-
-    [[nodiscard]] bool IsAbsent(std::size_t index) const { return (absent >> index & 1U) != 0; }
 
     /// The planes of line `y`; false (logged) when one is missing.
     bool GetLine(std::int32_t y, const std::uint8_t* blankLine, InterleavedLine::Planes& planes) {
@@ -73,12 +61,13 @@ struct Channels {
         }
         return true;
     }
+
+    [[nodiscard]] bool IsAbsent(std::size_t index) const { return (absent >> index & 1U) != 0; }
 };
 
 /// Takes the data of the primaries that the raster's mask marks absent away. Without them RGB is
 /// dark and CMYK, whose samples are complements, without ink.
-void DropAbsentPrimaries(const IRasterComponent& raster, std::size_t primaries,
-                         Channels& channels) {
+void DropAbsentPrimaries(const Raster& raster, std::size_t primaries, Channels& channels) {
     channels.blank = primaries == 4 ? 0xFF : 0;
     std::uint64_t mask = 0;
     if (!raster.GetChannelMask(mask)) {
@@ -93,7 +82,7 @@ void DropAbsentPrimaries(const IRasterComponent& raster, std::size_t primaries,
 }
 
 /// All primaries and all spot channels.
-bool GatherChannels(const IRasterComponent& raster, Channels& channels) {
+bool GatherChannels(const Raster& raster, Channels& channels) {
     const std::int32_t primaries = raster.GetPrimaryCount();
     for (std::int32_t i = 0; i < primaries; ++i) {
         if (!channels.Add(raster.GetPrimary(i), i, "primary")) {
@@ -113,7 +102,7 @@ bool GatherChannels(const IRasterComponent& raster, Channels& channels) {
 }
 
 /// The first primaries of a raster that has no other channels of interest.
-bool GatherPrimaries(const IRasterComponent& raster, std::int32_t count, Channels& channels) {
+bool GatherPrimaries(const Raster& raster, std::int32_t count, Channels& channels) {
     channels.count = static_cast<std::size_t>(count);
     for (std::int32_t i = 0; i < std::min(count, raster.GetPrimaryCount()); ++i) {
         const IChannelDesc* channel = raster.GetPrimary(i);
@@ -194,13 +183,12 @@ void WritePixels(Channels& channels, std::int32_t width, std::int32_t height, st
 
 }  // namespace
 
-void BaseConnectionSpaceDelegate::Image(IRasterComponent& raster, float x, float y, float width,
+void BaseConnectionSpaceDelegate::Image(Raster& raster, float x, float y, float width,
                                         float height) {
     SpotChannels spots = FindSpotChannels(raster);
-    const TInterfacePtr<IRasterComponent> flattened =
-        mConvertSpotsToProcess ? FlattenSpots(raster, spots)
-                               : TInterfacePtr<IRasterComponent>(&raster);
-    IRasterComponent& drawn = *flattened;
+    const TInterfacePtr<Raster> flattened =
+        mConvertSpotsToProcess ? FlattenSpots(raster, spots) : TInterfacePtr<Raster>(&raster);
+    Raster& drawn = *flattened;
     if (mJawsWorkaround) {
         if (OutputContext() == nullptr) {
             return;
@@ -208,7 +196,7 @@ void BaseConnectionSpaceDelegate::Image(IRasterComponent& raster, float x, float
         WriteSoftMaskCompositeAlpha(drawn,
                                     mGraphicsState == nullptr ? 1 : mGraphicsState->GetAlpha(true));
     }
-    COLOR::IConnectionColorSpace* space = drawn.GetColorSpace();
+    IConnectionColorSpace* space = drawn.GetColorSpace();
     const auto* device = AsDevice(space);
     if (auto* indexed = AsIndexed(space)) {
         InjectIndexedImage(drawn, x, y, width, height, indexed);
@@ -220,7 +208,7 @@ void BaseConnectionSpaceDelegate::Image(IRasterComponent& raster, float x, float
 }
 
 BaseConnectionSpaceDelegate::SpotChannels BaseConnectionSpaceDelegate::FindSpotChannels(
-    const IRasterComponent& raster) {
+    const Raster& raster) {
     SpotChannels spots;
     for (std::int32_t i = 0; i < raster.GetExtraCount(); ++i) {
         const IChannelDesc* channel = raster.GetExtra(i);
@@ -231,14 +219,13 @@ BaseConnectionSpaceDelegate::SpotChannels BaseConnectionSpaceDelegate::FindSpotC
     return spots;
 }
 
-bool BaseConnectionSpaceDelegate::HasMaskChannel(const IRasterComponent& raster) {
+bool BaseConnectionSpaceDelegate::HasMaskChannel(const Raster& raster) {
     const IChannelDesc* channel = AlphaChannel(raster);
     const IChannelData* data = channel == nullptr ? nullptr : channel->GetData();
     return data != nullptr && !data->IsFullyOpaque();
 }
 
-bool BaseConnectionSpaceDelegate::HasImageData(const IRasterComponent& raster,
-                                               std::int32_t channels,
+bool BaseConnectionSpaceDelegate::HasImageData(const Raster& raster, std::int32_t channels,
                                                const MissingPlaneLog& logMissing) {
     Channels gathered;
     if (!GatherPrimaries(raster, channels, gathered)) {
@@ -254,13 +241,13 @@ bool BaseConnectionSpaceDelegate::HasImageData(const IRasterComponent& raster,
     return IsSupportedDepth(raster.GetBitsPerSample(), gathered.count);
 }
 
-bool BaseConnectionSpaceDelegate::HasImageData(const IRasterComponent& raster) {
+bool BaseConnectionSpaceDelegate::HasImageData(const Raster& raster) {
     Channels gathered;
     return GatherChannels(raster, gathered) && gathered.count > 0 &&
            IsSupportedDepth(raster.GetBitsPerSample(), gathered.count);
 }
 
-void BaseConnectionSpaceDelegate::WriteImageData(IRasterComponent& raster, std::int32_t channels,
+void BaseConnectionSpaceDelegate::WriteImageData(Raster& raster, std::int32_t channels,
                                                  std::int32_t depth, std::int32_t width,
                                                  const MissingPlaneLog& logMissing) {
     PS::IPostScriptOutputContext* out = OutputContext();
@@ -278,7 +265,7 @@ void BaseConnectionSpaceDelegate::WriteImageData(IRasterComponent& raster, std::
     WritePixels(gathered, width, raster.GetHeight(), depth, mSwizzle.Get(), *out);
 }
 
-void BaseConnectionSpaceDelegate::WriteImageData(IRasterComponent& raster) {
+void BaseConnectionSpaceDelegate::WriteImageData(Raster& raster) {
     PS::IPostScriptOutputContext* out = OutputContext();
     Channels gathered;
     if (out == nullptr || !GatherChannels(raster, gathered) || gathered.count == 0) {
@@ -288,7 +275,7 @@ void BaseConnectionSpaceDelegate::WriteImageData(IRasterComponent& raster) {
                 mSwizzle.Get(), *out);
 }
 
-void BaseConnectionSpaceDelegate::WriteInkImageData(IRasterComponent& raster) {
+void BaseConnectionSpaceDelegate::WriteInkImageData(Raster& raster) {
     PS::IPostScriptOutputContext* out = OutputContext();
     Channels gathered;
     if (out == nullptr || !GatherChannels(raster, gathered)) {
@@ -305,14 +292,14 @@ void BaseConnectionSpaceDelegate::WriteInkImageData(IRasterComponent& raster) {
 }
 
 Status BaseConnectionSpaceDelegate::InjectGreyscaleImageInAlternateColorSpace(
-    IRasterComponent& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
+    Raster& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
     std::int32_t /*depth*/) {
     constexpr Status kNotDone = 72;
     LogError(kModule) << "Unimplemented";
     return kNotDone;
 }
 
-void BaseConnectionSpaceDelegate::InjectRGBImage(IRasterComponent& raster, float /*x*/, float /*y*/,
+void BaseConnectionSpaceDelegate::InjectRGBImage(Raster& raster, float /*x*/, float /*y*/,
                                                  float /*width*/, float /*height*/) {
     PS::IPostScriptOutputContext* out = OutputContext();
     if (out == nullptr || !HasImageData(raster, 3)) {
@@ -326,40 +313,39 @@ void BaseConnectionSpaceDelegate::InjectRGBImage(IRasterComponent& raster, float
     WriteImageData(raster, 3, depth, raster.GetWidth());
 }
 
-void BaseConnectionSpaceDelegate::InjectRaster(IRasterComponent& /*raster*/, float /*x*/,
-                                               float /*y*/, float /*width*/, float /*height*/) {
+void BaseConnectionSpaceDelegate::InjectRaster(Raster& /*raster*/, float /*x*/, float /*y*/,
+                                               float /*width*/, float /*height*/) {
     LogError(kModule) << "Unimplemented.";
 }
 
-void BaseConnectionSpaceDelegate::InjectDeviceSpaceImage(IRasterComponent& /*raster*/, float /*x*/,
+void BaseConnectionSpaceDelegate::InjectDeviceSpaceImage(Raster& /*raster*/, float /*x*/,
                                                          float /*y*/, float /*width*/,
                                                          float /*height*/, FourCC /*deviceKey*/) {
     LogError(kModule) << "Unimplemented.";
 }
 
-void BaseConnectionSpaceDelegate::WriteGreyscaleImage(IRasterComponent& /*raster*/, float /*x*/,
-                                                      float /*y*/, float /*width*/,
-                                                      float /*height*/) {
+void BaseConnectionSpaceDelegate::WriteGreyscaleImage(Raster& /*raster*/, float /*x*/, float /*y*/,
+                                                      float /*width*/, float /*height*/) {
     LogError(kModule) << "Unimplemented.";
 }
 
-void BaseConnectionSpaceDelegate::InjectCMYKImage(IRasterComponent& /*raster*/, float /*x*/,
-                                                  float /*y*/, float /*width*/, float /*height*/) {}
+void BaseConnectionSpaceDelegate::InjectCMYKImage(Raster& /*raster*/, float /*x*/, float /*y*/,
+                                                  float /*width*/, float /*height*/) {}
 
 void BaseConnectionSpaceDelegate::InjectCalibratedGreyscaleImage(
-    IRasterComponent& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
+    Raster& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
     COLOR::ICalibratedConnectionColorSpace* /*space*/) {
     LogError(kModule) << "Unimplemented.";
 }
 
 void BaseConnectionSpaceDelegate::InjectCalibratedRGBImage(
-    IRasterComponent& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
+    Raster& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
     COLOR::ICalibratedConnectionColorSpace* /*space*/) {
     LogError(kModule) << "Unimplemented.";
 }
 
 void BaseConnectionSpaceDelegate::InjectLabImage(
-    IRasterComponent& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
+    Raster& /*raster*/, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
     COLOR::ICalibratedConnectionColorSpace* /*space*/) {
     LogError(kModule) << "Unimplemented.";
 }

@@ -8,7 +8,6 @@
 #include "baseconnectionspacedelegate/palettes.h"
 #include "baseconnectionspacedelegate/profilepalette.h"
 #include "baseconnectionspacedelegate/spacekinds.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "postscriptconnectionspace/colorspacetexts.h"
 #include "postscriptdatastream/formattext.h"
@@ -17,11 +16,6 @@
 namespace VANTIX::RENDERING {
 
 namespace {
-
-using COLOR::IConnectionColorSpace;
-using GRAPHICS::IChannelData;
-using GRAPHICS::IRasterComponent;
-using GRAPHICS::HELPER::GetOwnFamily;
 
 constexpr const char* kModule = "src/baseconnectionspacedelegate";
 
@@ -210,7 +204,7 @@ bool BaseConnectionSpaceDelegate::AppendSpotSpace(std::string& out, IConnectionC
     return length > 0;
 }
 
-bool BaseConnectionSpaceDelegate::ConvertPaletteToTarget(const IRasterComponent& raster,
+bool BaseConnectionSpaceDelegate::ConvertPaletteToTarget(const Raster& raster,
                                                          IConnectionColorSpace& base,
                                                          IConnectionColorSpace& target,
                                                          Palette& palette, std::string& storage) {
@@ -288,9 +282,8 @@ bool BaseConnectionSpaceDelegate::KeepPalette(IConnectionColorSpace& base, Palet
     return palette.components != 0;
 }
 
-void BaseConnectionSpaceDelegate::InjectIndexedRaster(IRasterComponent& raster, float /*x*/,
-                                                      float /*y*/, float /*width*/,
-                                                      float /*height*/,
+void BaseConnectionSpaceDelegate::InjectIndexedRaster(Raster& raster, float /*x*/, float /*y*/,
+                                                      float /*width*/, float /*height*/,
                                                       COLOR::IIndexedConnectionColorSpace* indexed,
                                                       IConnectionColorSpace* alternative,
                                                       bool imagemask) {
@@ -331,11 +324,11 @@ void BaseConnectionSpaceDelegate::InjectIndexedRaster(IRasterComponent& raster, 
     }
 }
 
-void BaseConnectionSpaceDelegate::WriteIndexedImage(IRasterComponent& raster, std::string& colour,
+void BaseConnectionSpaceDelegate::WriteIndexedImage(Raster& raster, std::string& colour,
                                                     const Palette& palette, bool imagemask,
                                                     std::int32_t maskEntry) {
     PS::IPostScriptOutputContext* out = OutputContext();
-    const GRAPHICS::IChannelDesc* channel = raster.GetPrimary(0);
+    const IChannelDesc* channel = raster.GetPrimary(0);
     if (out == nullptr) {
         return;
     }

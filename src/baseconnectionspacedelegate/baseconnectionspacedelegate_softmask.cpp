@@ -13,10 +13,6 @@ namespace VANTIX::RENDERING {
 
 namespace {
 
-using GRAPHICS::IChannelData;
-using GRAPHICS::IChannelDesc;
-using GRAPHICS::IRasterComponent;
-
 constexpr const char* kModule = "src/baseconnectionspacedelegate";
 
 constexpr const char* kOneBitSpace =
@@ -91,8 +87,7 @@ struct Expand {
 
 }  // namespace
 
-void BaseConnectionSpaceDelegate::WriteSoftMaskCompositeAlpha(const IRasterComponent& raster,
-                                                              float opacity) {
+void BaseConnectionSpaceDelegate::WriteSoftMaskCompositeAlpha(const Raster& raster, float opacity) {
     PS::IPostScriptOutputContext* out = OutputContext();
     IChannelData* alpha = nullptr;
     std::int32_t depth = 0;

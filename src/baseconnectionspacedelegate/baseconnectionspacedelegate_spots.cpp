@@ -9,20 +9,12 @@
 #include "baseconnectionspacedelegate/devicenlines.h"
 #include "baseconnectionspacedelegate/samples.h"
 #include "baseconnectionspacedelegate/spacekinds.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/graphics/pluginhelper/rasterhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 
 namespace VANTIX::RENDERING {
 
 namespace {
-
-using COLOR::IConnectionColorSpace;
-using COLOR::TRenderingIntent;
-using GRAPHICS::IChannelData;
-using GRAPHICS::IChannelDesc;
-using GRAPHICS::IRasterComponent;
-using GRAPHICS::HELPER::GetOwnFamily;
 
 constexpr const char* kModule = "src/baseconnectionspacedelegate";
 constexpr Status kFailed = STATUS::kInvalidArgument;
@@ -60,7 +52,7 @@ bool CopyLines(IChannelData& from, IChannelData& to, std::int32_t height) {
     return true;
 }
 
-bool CopyPrimaries(const IRasterComponent& from, const IRasterComponent& to) {
+bool CopyPrimaries(const Raster& from, const Raster& to) {
     for (std::int32_t i = 0; i < to.GetPrimaryCount(); ++i) {
         IChannelData* source = DataOf(from.GetPrimary(i));
         IChannelData* target = DataOf(to.GetPrimary(i));
@@ -73,7 +65,7 @@ bool CopyPrimaries(const IRasterComponent& from, const IRasterComponent& to) {
 }
 
 /// White paper in every primary.
-bool ClearPrimaries(const IRasterComponent& raster) {
+bool ClearPrimaries(const Raster& raster) {
     for (std::int32_t i = 0; i < raster.GetPrimaryCount(); ++i) {
         IChannelData* data = DataOf(raster.GetPrimary(i));
         if (data == nullptr) {
@@ -120,7 +112,7 @@ struct InkPainter {
         }
     }
 
-    bool PaintInk(const Ink& ink, const IRasterComponent& raster) const {
+    bool PaintInk(const Ink& ink, const Raster& raster) const {
         std::vector<std::uint8_t> line;
         for (std::int32_t y = 0; y < height; ++y) {
             const std::uint8_t* spots = ink.data->GetLine(y);
@@ -147,9 +139,9 @@ struct InkPainter {
 
 }  // namespace
 
-Status BaseConnectionSpaceDelegate::CreateRasterForSpotComposite(
-    const IRasterComponent& raster, TInterfacePtr<IRasterComponent>& out,
-    bool allSpotsHaveSpaces) const {
+Status BaseConnectionSpaceDelegate::CreateRasterForSpotComposite(const Raster& raster,
+                                                                 TInterfacePtr<Raster>& out,
+                                                                 bool allSpotsHaveSpaces) const {
     IConnectionColorSpace* space = raster.GetColorSpace();
     const bool isAllSpots = raster.GetPrimaryCount() == 0;
     const auto* deviceN = AsDeviceN(space);
@@ -161,7 +153,7 @@ Status BaseConnectionSpaceDelegate::CreateRasterForSpotComposite(
     const std::int32_t width = raster.GetWidth();
     const std::int32_t height = raster.GetHeight();
     const auto bits = static_cast<std::int8_t>(raster.GetBitsPerSample());
-    TInterfacePtr<IRasterComponent> made;
+    TInterfacePtr<Raster> made;
     if (target == nullptr || !GRAPHICS::HELPER::CreateRasterComponent(
                                  mFactory, target, width, height, bits, 0, 0, 0, 0, made)) {
         return kFailed;
@@ -202,9 +194,9 @@ Status BaseConnectionSpaceDelegate::CreateRasterForSpotComposite(
     return isFilled ? STATUS::kOk : kFailed;
 }
 
-TInterfacePtr<IRasterComponent> BaseConnectionSpaceDelegate::FlattenSpots(
-    IRasterComponent& raster, SpotChannels& spots) const {
-    TInterfacePtr<IRasterComponent> flattened;
+TInterfacePtr<Raster> BaseConnectionSpaceDelegate::FlattenSpots(Raster& raster,
+                                                                SpotChannels& spots) const {
+    TInterfacePtr<Raster> flattened;
     if (!spots.empty()) {
         if (CompositeSpotsToNewRasterInDelegateColorSpace(raster, spots, flattened) ==
             STATUS::kOk) {
@@ -214,12 +206,11 @@ TInterfacePtr<IRasterComponent> BaseConnectionSpaceDelegate::FlattenSpots(
                                  "raster. Continuing without separation channels.";
         }
     }
-    return flattened ? flattened : TInterfacePtr<IRasterComponent>(&raster);
+    return flattened ? flattened : TInterfacePtr<Raster>(&raster);
 }
 
 Status BaseConnectionSpaceDelegate::CompositeSpotsToNewRasterInDelegateColorSpace(
-    const IRasterComponent& raster, const SpotChannels& spots,
-    TInterfacePtr<IRasterComponent>& out) const {
+    const Raster& raster, const SpotChannels& spots, TInterfacePtr<Raster>& out) const {
     out = nullptr;
     if (DataOf(raster.GetExtraCount() > 0 ? raster.GetExtra(0) : nullptr) == nullptr) {
         return Fail("Problem grabbing an alpha channel.");
@@ -238,7 +229,7 @@ Status BaseConnectionSpaceDelegate::CompositeSpotsToNewRasterInDelegateColorSpac
         LogError(kModule) << "Don't support " << depth << " bit data yet.";
         return kFailed;
     }
-    TInterfacePtr<IRasterComponent> made;
+    TInterfacePtr<Raster> made;
     if (CreateRasterForSpotComposite(raster, made, haveSpaces) != STATUS::kOk) {
         return Fail("Problem manufacturing new raster based on the old raster.");
     }
@@ -254,9 +245,9 @@ Status BaseConnectionSpaceDelegate::CompositeSpotsToNewRasterInDelegateColorSpac
     return STATUS::kOk;
 }
 
-bool BaseConnectionSpaceDelegate::PaintSpots(const IRasterComponent& raster,
-                                             const SpotChannels& spots, IRasterComponent& target,
-                                             bool isAllSpots, bool haveSpaces) const {
+bool BaseConnectionSpaceDelegate::PaintSpots(const Raster& raster, const SpotChannels& spots,
+                                             Raster& target, bool isAllSpots,
+                                             bool haveSpaces) const {
     const bool hasWords = raster.GetBitsPerSample() == 16;
     const std::size_t size = hasWords ? 4096 : 256;
     const auto primaries = static_cast<std::size_t>(target.GetPrimaryCount());
@@ -299,7 +290,7 @@ bool BaseConnectionSpaceDelegate::PaintSpots(const IRasterComponent& raster,
 }
 
 Status BaseConnectionSpaceDelegate::CompositeDeviceNRasterToNewRasterInDelegateColorSpace(
-    const IRasterComponent& raster, TInterfacePtr<IRasterComponent>& out) const {
+    const Raster& raster, TInterfacePtr<Raster>& out) const {
     const std::int32_t depth = raster.GetBitsPerSample();
     if (depth != 8 && depth != 16) {
         LogError(kModule) << "Do not yet support a depth of " << depth << " here.";
@@ -309,7 +300,7 @@ Status BaseConnectionSpaceDelegate::CompositeDeviceNRasterToNewRasterInDelegateC
     const std::int32_t height = raster.GetHeight();
     const auto bits = static_cast<std::int8_t>(depth);
     IChannelDesc* sourceAlpha = raster.GetExtra(0);
-    TInterfacePtr<IRasterComponent> made;
+    TInterfacePtr<Raster> made;
     TInterfacePtr<IChannelDesc> alpha;
     TInterfacePtr<IChannelData> data;
     if (!mDestination || !GRAPHICS::HELPER::CreateRasterComponent(

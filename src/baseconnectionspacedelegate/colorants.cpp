@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "baseconnectionspacedelegate/baseconnectionspacedelegate.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "postscriptdatastream/workbuffer.h"
 
@@ -60,7 +59,7 @@ PS::TextBuffer Colorants::Program(std::string_view paper, std::size_t outputs) c
 }
 
 bool BaseConnectionSpaceDelegate::AppendColorantSpace(std::string& out, const Colorants& colorants,
-                                                      COLOR::IConnectionColorSpace& alternate,
+                                                      IConnectionColorSpace& alternate,
                                                       bool colourManaged) {
     PS::IPostScriptOutputContext* context = OutputContext();
     const auto functions =
@@ -75,7 +74,7 @@ bool BaseConnectionSpaceDelegate::AppendColorantSpace(std::string& out, const Co
                           << " bytes.";
         return false;
     }
-    const bool inInks = GRAPHICS::HELPER::GetOwnFamily(&alternate) == "cmyk"_cc;
+    const bool inInks = GetOwnFamily(&alternate) == "cmyk"_cc;
     const std::size_t outputs = inInks ? 4 : 3;
     const std::size_t inputs = colorants.amounts.size();
     std::vector<float> units;

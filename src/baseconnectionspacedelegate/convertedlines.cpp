@@ -26,9 +26,8 @@ void BufferMessage::Log(const char* module, std::size_t bytes) const {
     }
 }
 
-ConvertedLines::ConvertedLines(const GRAPHICS::IRasterComponent& raster,
-                               const COLOR::IConnectionColorSpace& target, std::int32_t bits,
-                               const IntentPair& intents, bool withAlpha)
+ConvertedLines::ConvertedLines(const Raster& raster, const IConnectionColorSpace& target,
+                               std::int32_t bits, const IntentPair& intents, bool withAlpha)
     : mSource(raster.GetColorSpace()),
       mTarget(&target),
       mSourceCount(static_cast<std::size_t>(raster.GetPrimaryCount())),
@@ -43,14 +42,14 @@ ConvertedLines::ConvertedLines(const GRAPHICS::IRasterComponent& raster,
     mLine.sourceIntent = intents.first;
     mLine.targetIntent = intents.second;
     Gather(raster);
-    const GRAPHICS::IChannelDesc* alpha = withAlpha ? AlphaChannel(raster) : nullptr;
+    const IChannelDesc* alpha = withAlpha ? AlphaChannel(raster) : nullptr;
     if (alpha != nullptr && alpha->GetData() != nullptr && !alpha->GetData()->IsFullyOpaque()) {
         mAlpha = alpha->GetData();
         mLine.alphaBits = alpha->GetBits();
     }
 }
 
-void ConvertedLines::Gather(const GRAPHICS::IRasterComponent& raster) {
+void ConvertedLines::Gather(const Raster& raster) {
     for (std::size_t i = 0; i < std::min(mSourceCount, kMostSources); ++i) {
         const auto index = static_cast<std::int32_t>(i);
         mChannels[i] = ProcessData(raster, index);

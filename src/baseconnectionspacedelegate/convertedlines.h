@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "baseconnectionspacedelegate/names.h"
 #include "baseconnectionspacedelegate/palettes.h"
 #include "core/color/iconnectioncolorspace.h"
 #include "core/graphics/irastercomponent.h"
@@ -32,8 +33,7 @@ public:
 
     /// Into planes of `bits` 8 or 16 of `target`. `withAlpha` composites the raster's alpha channel
     /// over white. Raster and space are borrowed.
-    ConvertedLines(const GRAPHICS::IRasterComponent& raster,
-                   const COLOR::IConnectionColorSpace& target, std::int32_t bits,
+    ConvertedLines(const Raster& raster, const IConnectionColorSpace& target, std::int32_t bits,
                    const IntentPair& intents, bool withAlpha);
 
     /// False (logged in the name of `module`) when there is too little memory, a space has too many
@@ -48,17 +48,17 @@ public:
 private:
     static constexpr std::size_t kMostSources = COLOR::kMaxComponents;
 
-    void Gather(const GRAPHICS::IRasterComponent& raster);
+    void Gather(const Raster& raster);
 
-    const COLOR::IConnectionColorSpace* mSource;
-    const COLOR::IConnectionColorSpace* mTarget;
+    const IConnectionColorSpace* mSource;
+    const IConnectionColorSpace* mTarget;
     COLOR::LineConversion mLine;
     std::size_t mSourceCount;
     std::size_t mPlaneCount;
     std::size_t mPlaneBytes;
-    std::array<GRAPHICS::IChannelData*, kMostSources> mChannels{};  // null: absent
+    std::array<IChannelData*, kMostSources> mChannels{};  // null: absent
     bool mIsComplete = true;
-    GRAPHICS::IChannelData* mAlpha = nullptr;
+    IChannelData* mAlpha = nullptr;
     PS::WorkBuffer<std::uint8_t> mPlanes;
     PS::WorkBuffer<std::uint8_t> mBlank;  // a line of an absent channel
     PS::WorkBuffer<float> mPcs;

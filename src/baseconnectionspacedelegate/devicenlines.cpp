@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* kModule = "src/baseconnectionspacedelegate";
 
-bool IsBlackAlone(const GRAPHICS::IRasterComponent& raster) {
+bool IsBlackAlone(const Raster& raster) {
     const auto* deviceN = AsDeviceN(raster.GetColorSpace());
     if (deviceN == nullptr || deviceN->GetColorantCount() != 1) {
         return false;
@@ -23,8 +23,8 @@ bool IsBlackAlone(const GRAPHICS::IRasterComponent& raster) {
     return name != nullptr && std::u16string_view(name->c_str(), name->size()) == u"Black";
 }
 
-GRAPHICS::IChannelData* PlaneOf(const GRAPHICS::IRasterComponent& raster, std::int32_t index) {
-    const GRAPHICS::IChannelDesc* channel = raster.GetPrimary(index);
+IChannelData* PlaneOf(const Raster& raster, std::int32_t index) {
+    const IChannelDesc* channel = raster.GetPrimary(index);
     return channel == nullptr ? nullptr : channel->GetData();
 }
 
@@ -73,8 +73,7 @@ Status ConvertLines(const DeviceNConversion& conversion, std::int32_t planes) {
 
 /// The only colorant becomes the black plane.
 Status CopyBlack(const DeviceNConversion& conversion) {
-    GRAPHICS::IChannelData* black =
-        conversion.channels.empty() ? nullptr : conversion.channels.front();
+    IChannelData* black = conversion.channels.empty() ? nullptr : conversion.channels.front();
     if (black == nullptr) {
         LogError(kModule) << "No channel data for the raster.";
         return STATUS::kInvalidArgument;

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "baseconnectionspacedelegate/names.h"
 #include "core/color/iconnectioncolorspace.h"
 #include "core/graphics/irastercomponent.h"
 
@@ -10,15 +11,15 @@ namespace VANTIX::RENDERING {
 
 /// What a DeviceN raster is converted from and into. All pointers are borrowed.
 struct DeviceNConversion {
-    COLOR::IConnectionColorSpace* destination = nullptr;
-    const GRAPHICS::IRasterComponent* source = nullptr;
-    GRAPHICS::IRasterComponent* target = nullptr;
+    IConnectionColorSpace* destination = nullptr;
+    const Raster* source = nullptr;
+    Raster* target = nullptr;
     /// One for each colorant; null for one that the raster's mask marks absent.
-    std::vector<GRAPHICS::IChannelData*> channels{};
-    GRAPHICS::IChannelData* sourceAlpha = nullptr;
-    GRAPHICS::IChannelData* targetAlpha = nullptr;
-    COLOR::TRenderingIntent sourceIntent{};
-    COLOR::TRenderingIntent destinationIntent{};
+    std::vector<IChannelData*> channels{};
+    IChannelData* sourceAlpha = nullptr;
+    IChannelData* targetAlpha = nullptr;
+    TRenderingIntent sourceIntent{};
+    TRenderingIntent destinationIntent{};
 };
 
 /// Converts the lines of a DeviceN raster into the four planes of the target, and copies its alpha

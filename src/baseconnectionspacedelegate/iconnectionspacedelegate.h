@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "baseconnectionspacedelegate/names.h"
 #include "core/color/ipatterncolorspaces.h"
 #include "core/color/ispotcolorspaces.h"
 #include "core/graphics/igraphicsstate.h"
@@ -46,18 +47,17 @@ public:
     /// Finishes set-up once the output context is aggregated; writes the model's default colour
     /// when asked to.
     virtual void Init(bool setDefaultColour) = 0;
-    virtual bool SetColorSpace(COLOR::IConnectionColorSpace* space, bool fill) = 0;
+    virtual bool SetColorSpace(IConnectionColorSpace* space, bool fill) = 0;
     /// `values` in host form.
-    virtual void SetColorSpaceAndValues(COLOR::IConnectionColorSpace* space, const float* values,
+    virtual void SetColorSpaceAndValues(IConnectionColorSpace* space, const float* values,
                                         std::int32_t count, bool fill) = 0;
-    virtual bool SetUncoloredPattern(const char* patternName,
-                                     COLOR::IConnectionColorSpace* underlying, bool fill) = 0;
+    virtual bool SetUncoloredPattern(const char* patternName, IConnectionColorSpace* underlying,
+                                     bool fill) = 0;
     virtual bool SetPatternColorSpace(const char* patternName) = 0;
-    virtual void Image(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                       float height) = 0;
+    virtual void Image(Raster& raster, float x, float y, float width, float height) = 0;
     /// Paints a shading; `paint` asks for the painting operator behind its dictionary.
-    virtual void FillWithColorSpace(COLOR::IConnectionColorSpace* shading, ResourceId id, float x,
-                                    float y, float width, float height, bool paint) = 0;
+    virtual void FillWithColorSpace(IConnectionColorSpace* shading, ResourceId id, float x, float y,
+                                    float width, float height, bool paint) = 0;
     /// The state is not referenced.
     virtual void SetGraphicsState(GRAPHICS::IGraphicsState* state) = 0;
     virtual bool CanMarkTheCanvas() const = 0;

@@ -5,14 +5,11 @@
 
 #include "baseconnectionspacedelegate/profilepalette.h"
 #include "baseconnectionspacedelegate/spacekinds.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 
 namespace VANTIX::RENDERING {
 
 namespace {
-
-using COLOR::IConnectionColorSpace;
 
 constexpr const char* kModule = "src/baseconnectionspacedelegate";
 
@@ -47,7 +44,7 @@ std::int32_t ComponentsOfFamily(FourCC family) {
 }
 
 std::int32_t PaletteComponents(IConnectionColorSpace& base) {
-    if (const FourCC family = GRAPHICS::HELPER::GetOwnFamily(&base); family != 0) {
+    if (const FourCC family = GetOwnFamily(&base); family != 0) {
         const std::int32_t components = ComponentsOfFamily(family);
         if (components == 0) {
             LogError(kModule) << "Do not handle this device color type.";
@@ -120,8 +117,8 @@ std::int32_t WriteProfileColorSpaceLUT(COLOR::IConnectionColorSpaceFactory* fact
                                        IConnectionColorSpace* /*target*/,
                                        COLOR::IProfileBasedConnectionColorSpace* profile,
                                        const unsigned char* lutIn, char* lutOut, std::int32_t count,
-                                       COLOR::TRenderingIntent sourceIntent,
-                                       COLOR::TRenderingIntent destinationIntent) {
+                                       TRenderingIntent sourceIntent,
+                                       TRenderingIntent destinationIntent) {
     if (factory == nullptr || profile == nullptr) {
         LogError(kModule) << "Need to handle this colorspace";
         return 0;

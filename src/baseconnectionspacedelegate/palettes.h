@@ -5,24 +5,24 @@
 #include <optional>
 #include <utility>
 
+#include "baseconnectionspacedelegate/names.h"
 #include "core/color/ispotcolorspaces.h"
 #include "core/types.h"
 
 namespace VANTIX::RENDERING {
 
-using IntentPair = std::pair<COLOR::TRenderingIntent, COLOR::TRenderingIntent>;
+using IntentPair = std::pair<TRenderingIntent, TRenderingIntent>;
 
 /// Components of the device family "gray", "rgb " or "cmyk"; 0 for another one.
 std::int32_t ComponentsOfFamily(FourCC family);
 
 /// Components of the entries of a palette over `base`; 0 (logged) for a space that has no palettes.
-std::int32_t PaletteComponents(COLOR::IConnectionColorSpace& base);
+std::int32_t PaletteComponents(IConnectionColorSpace& base);
 
 /// Converts `count` entries of `base` (`from` components each) into `target` (`to` components),
 /// bytes in host form on both sides. False when the host cannot.
-bool ConvertPalette(COLOR::IConnectionColorSpace& base, std::int32_t from,
-                    const std::uint8_t* entries, std::int32_t count,
-                    const COLOR::IConnectionColorSpace& target, std::int32_t to,
+bool ConvertPalette(IConnectionColorSpace& base, std::int32_t from, const std::uint8_t* entries,
+                    std::int32_t count, const IConnectionColorSpace& target, std::int32_t to,
                     std::uint8_t* converted, const IntentPair& intents);
 
 /// The black ink that has the luminance of a colour, all in complements of inks as bytes; white

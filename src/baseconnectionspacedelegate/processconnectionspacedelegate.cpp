@@ -6,19 +6,14 @@
 #include <utility>
 
 #include "baseconnectionspacedelegate/spacekinds.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 
 namespace VANTIX::RENDERING {
 
 namespace {
 
-using COLOR::IConnectionColorSpace;
-using GRAPHICS::IRasterComponent;
-using GRAPHICS::HELPER::GetOwnFamily;
-
-GRAPHICS::IChannelData* DataOf(const IRasterComponent& raster, std::int32_t index) {
-    const GRAPHICS::IChannelDesc* channel =
+IChannelData* DataOf(const Raster& raster, std::int32_t index) {
+    const IChannelDesc* channel =
         index < raster.GetPrimaryCount() ? raster.GetPrimary(index) : nullptr;
     return channel == nullptr ? nullptr : channel->GetData();
 }
@@ -59,6 +54,25 @@ bool ProcessConnectionSpaceDelegate::SetPlateSelection(IConnectionColorSpace* sp
     }
     OutputContext()->SetColor(values, 1);
     return true;
+}
+
+bool ProcessConnectionSpaceDelegate::SetColor(const float* values, std::int32_t count, bool fill) {
+    if (OutputContext() == nullptr || values == nullptr || count <= 0) {
+        return false;
+    }
+    IConnectionColorSpace* source = CurrentColorSpace(fill);
+    if (source == nullptr && count > 1) {
+        LogError(mModel.module) << (fill ? mModel.noFill : mModel.noStroke);
+        return false;
+    }
+    if (SetPlateSelection(source, values)) {
+        return true;
+    }
+    const auto kept = KeptColor(source, values, count);
+    if (!kept) {
+        return SetColorWithConversion(source, mDestination.Get(), values, count);
+    }
+    return WriteColor(kept);
 }
 
 bool ProcessConnectionSpaceDelegate::SetManagedColor(const float* values, std::int32_t count,
@@ -116,7 +130,7 @@ TInterfacePtr<IConnectionColorSpace> ProcessConnectionSpaceDelegate::MakeDeviceS
 }
 
 void ProcessConnectionSpaceDelegate::InjectIndexedImage(
-    GRAPHICS::IRasterComponent& raster, float x, float y, float width, float height,
+    Raster& raster, float x, float y, float width, float height,
     COLOR::IIndexedConnectionColorSpace* indexed) {
     if (indexed == nullptr) {
         LogError(mModel.module) << "Indexed Raster didn't have indexed colorspace..";
@@ -149,7 +163,7 @@ ProcessConnectionSpaceDelegate::LineReader ProcessConnectionSpaceDelegate::Reade
 }
 
 ProcessConnectionSpaceDelegate::LineReader ProcessConnectionSpaceDelegate::ReaderOf(
-    const IRasterComponent& raster, std::int32_t count, MissingPlaneLog logMissing) {
+    const Raster& raster, std::int32_t count, MissingPlaneLog logMissing) {
     return [&raster, count, logMissing = std::move(logMissing)](std::int32_t y,
                                                                 InterleavedLine::Planes& planes) {
         for (std::int32_t i = 0; i < count; ++i) {
@@ -164,15 +178,16 @@ ProcessConnectionSpaceDelegate::LineReader ProcessConnectionSpaceDelegate::Reade
     };
 }
 
-bool ProcessConnectionSpaceDelegate::HasPrimaries(const IRasterComponent& raster,
-                                                  std::int32_t count, const char* message) const {
-    for (std::int32_t i = 0; i < count; ++i) {
-        if (DataOf(raster, i) == nullptr) {
-            LogError(mModel.module) << message;
-            return false;
-        }
+bool ProcessConnectionSpaceDelegate::HasPrimaries(const Raster& raster, std::int32_t count,
+                                                  const char* message) const {
+    std::int32_t found = 0;
+    while (found < count && DataOf(raster, found) != nullptr) {
+        ++found;
     }
-    return true;
+    if (found < count) {
+        LogError(mModel.module) << message;
+    }
+    return found == count;
 }
 
 }  // namespace VANTIX::RENDERING

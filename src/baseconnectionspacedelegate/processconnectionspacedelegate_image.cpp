@@ -4,7 +4,6 @@
 
 #include "baseconnectionspacedelegate/processconnectionspacedelegate.h"
 #include "baseconnectionspacedelegate/samples.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "postscriptdatastream/formattext.h"
 
@@ -12,16 +11,11 @@ namespace VANTIX::RENDERING {
 
 namespace {
 
-using COLOR::IConnectionColorSpace;
-using COLOR::TRenderingIntent;
-using GRAPHICS::IRasterComponent;
-using GRAPHICS::HELPER::GetOwnFamily;
-
 constexpr const char* kDeviceGray = "/DeviceGray";
 
 }  // namespace
 
-bool ProcessConnectionSpaceDelegate::BeginImage(const IRasterComponent& raster, std::int32_t bits,
+bool ProcessConnectionSpaceDelegate::BeginImage(const Raster& raster, std::int32_t bits,
                                                 const std::string& colour, const char* decode) {
     PS::IPostScriptOutputContext* out = OutputContext();
     if (out != nullptr) {
@@ -31,8 +25,7 @@ bool ProcessConnectionSpaceDelegate::BeginImage(const IRasterComponent& raster, 
     return out != nullptr;
 }
 
-void ProcessConnectionSpaceDelegate::WriteLines(const IRasterComponent& raster,
-                                                const LineImage& image) {
+void ProcessConnectionSpaceDelegate::WriteLines(const Raster& raster, const LineImage& image) {
     PS::IPostScriptOutputContext* out = OutputContext();
     InterleavedLine::Planes planes{};
     std::int32_t y = 0;
@@ -47,7 +40,7 @@ void ProcessConnectionSpaceDelegate::WriteLines(const IRasterComponent& raster,
     }
 }
 
-void ProcessConnectionSpaceDelegate::InjectGreyRasterAsGray(IRasterComponent& raster) {
+void ProcessConnectionSpaceDelegate::InjectGreyRasterAsGray(Raster& raster) {
     const std::int32_t depth = raster.GetBitsPerSample();
     if (GetOwnFamily(raster.GetColorSpace()) == "gray"_cc && HasImageData(raster, 1) &&
         BeginImage(raster, depth == 16 ? 12 : depth, kDeviceGray, "[0 1]")) {
@@ -55,7 +48,7 @@ void ProcessConnectionSpaceDelegate::InjectGreyRasterAsGray(IRasterComponent& ra
     }
 }
 
-void ProcessConnectionSpaceDelegate::WriteGreyRaster(IRasterComponent& raster) {
+void ProcessConnectionSpaceDelegate::WriteGreyRaster(Raster& raster) {
     const auto logMissing = [this](std::int32_t line, std::size_t /*channel*/) {
         LogError(mModel.module) << "Line " << line << " is missing.";
     };
@@ -84,8 +77,8 @@ void ProcessConnectionSpaceDelegate::WriteGreyRaster(IRasterComponent& raster) {
     }
 }
 
-void ProcessConnectionSpaceDelegate::WriteHighBytes(const IRasterComponent& raster,
-                                                    const std::string& colour, const char* decode,
+void ProcessConnectionSpaceDelegate::WriteHighBytes(const Raster& raster, const std::string& colour,
+                                                    const char* decode,
                                                     const MissingPlaneLog& logMissing) {
     const auto width = static_cast<std::size_t>(raster.GetWidth());
     PS::WorkBuffer<std::uint8_t> bytes(width);
@@ -133,8 +126,7 @@ std::string ProcessConnectionSpaceDelegate::PromotedGrayPalette(std::int32_t dep
     return palette + ">] ";
 }
 
-void ProcessConnectionSpaceDelegate::WriteConvertedRaster(IRasterComponent& raster,
-                                                          std::int32_t bits,
+void ProcessConnectionSpaceDelegate::WriteConvertedRaster(Raster& raster, std::int32_t bits,
                                                           const ConversionMessages& messages) {
     if (OutputContext() == nullptr || !mDestination) {
         return;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "baseconnectionspacedelegate/names.h"
 #include "core/color/iconnectioncolorspacefactory.h"
 
 namespace VANTIX::RENDERING {
@@ -11,10 +12,10 @@ namespace VANTIX::RENDERING {
 /// hold entries x components bytes in host form. Answers the number of components, or 0 (logged)
 /// for a family without a device space. `target` is not used: the family alone decides.
 std::int32_t WriteProfileColorSpaceLUT(COLOR::IConnectionColorSpaceFactory* factory,
-                                       COLOR::IConnectionColorSpace* target,
+                                       IConnectionColorSpace* target,
                                        COLOR::IProfileBasedConnectionColorSpace* profile,
                                        const unsigned char* lutIn, char* lutOut, std::int32_t count,
-                                       COLOR::TRenderingIntent sourceIntent,
-                                       COLOR::TRenderingIntent destinationIntent);
+                                       TRenderingIntent sourceIntent,
+                                       TRenderingIntent destinationIntent);
 
 }  // namespace VANTIX::RENDERING

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "baseconnectionspacedelegate/colormanaged.h"
 #include "privatecmykcompositeconnectionspacedelegate/privatecmykcompositeconnectionspacedelegate.h"
 
 namespace VANTIX::RENDERING {
@@ -8,33 +9,18 @@ namespace VANTIX::RENDERING {
 /// Writes everything in DeviceCMYK, converting only what is not gray or CMYK already.
 class CMYKCompositeConnectionSpaceDelegate : public PrivateCMYKCompositeConnectionSpaceDelegate {
 public:
-    /// `options` are `DELEGATEOPTION` bits.
-    CMYKCompositeConnectionSpaceDelegate(IClassFactory& factory,
-                                         COLOR::IConnectionColorSpace* destination,
-                                         std::uint32_t options)
-        : PrivateCMYKCompositeConnectionSpaceDelegate(factory, destination, options) {}
+    using PrivateCMYKCompositeConnectionSpaceDelegate::PrivateCMYKCompositeConnectionSpaceDelegate;
 
-    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                      float height) override {
+    void InjectRaster(Raster& raster, float x, float y, float width, float height) override {
         InjectByFamily(raster, x, y, width, height);
     }
 };
 
+inline constexpr char kCMYKModule[] = "src/cmykcompositeconnectionspacedelegate";
+
 /// Writes everything in the CMYK of the output profile: only gray, and rasters tagged with that
 /// profile, keep their values.
-class ColorManagedCMYKCompositeConnectionSpaceDelegate
-    : public PrivateCMYKCompositeConnectionSpaceDelegate {
-public:
-    /// `options` are `DELEGATEOPTION` bits.
-    ColorManagedCMYKCompositeConnectionSpaceDelegate(IClassFactory& factory,
-                                                     COLOR::IConnectionColorSpace* destination,
-                                                     std::uint32_t options);
-
-    bool SetColor(const float* values, std::int32_t count, bool fill) override;
-    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                      float height) override;
-    void InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                float height, FourCC deviceKey) override;
-};
+using ColorManagedCMYKCompositeConnectionSpaceDelegate =
+    ColorManaged<CMYKCompositeConnectionSpaceDelegate, kCMYKModule>;
 
 }  // namespace VANTIX::RENDERING

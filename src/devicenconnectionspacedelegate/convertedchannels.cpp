@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "baseconnectionspacedelegate/convertedlines.h"
+#include "baseconnectionspacedelegate/madechanneldata.h"
 #include "core/graphics/pluginhelper/rasterhelpers.h"
-#include "core/object/tobject.h"
 
 namespace VANTIX::RENDERING {
 
@@ -19,8 +19,7 @@ constexpr BufferMessage kNoBuffer{"Failed to allocate a buffer of ", "bytes."};
 /// The one line that is held of all converted planes.
 class SharedLines {
 public:
-    SharedLines(const GRAPHICS::IRasterComponent& raster,
-                const COLOR::IConnectionColorSpace& target, std::int32_t bits,
+    SharedLines(const Raster& raster, const IConnectionColorSpace& target, std::int32_t bits,
                 const IntentPair& intents)
         : mLines(raster, target, bits, intents, false) {}
 
@@ -40,35 +39,24 @@ private:
     std::int32_t mHeld = -1;
 };
 
-class ConvertedChannelData : public TObject<GRAPHICS::IChannelData> {
+class ConvertedChannelData : public MadeChannelData {
 public:
     ConvertedChannelData(std::shared_ptr<SharedLines> lines, std::size_t plane,
-                         std::int32_t lineBytes)
-        : mLines(std::move(lines)), mPlane(plane), mLineBytes(lineBytes) {}
-
-    Status Init(std::int32_t, std::int32_t, std::int32_t, std::int32_t) override {
-        return STATUS::kNotSupported;
-    }
+                         std::size_t lineBytes)
+        : MadeChannelData(lineBytes), mLines(std::move(lines)), mPlane(plane) {}
 
     const std::uint8_t* GetLine(std::int32_t y) override { return mLines->Plane(y, mPlane); }
-
-    std::int32_t GetLineBytes() const override { return mLineBytes; }
-
-    Status SetLine(std::int32_t, const std::uint8_t*) override { return STATUS::kNotSupported; }
-
-    bool IsFullyOpaque() const override { return false; }
 
 private:
     std::shared_ptr<SharedLines> mLines;
     std::size_t mPlane;
-    std::int32_t mLineBytes;
 };
 
 }  // namespace
 
-bool ConvertProcessChannels(IClassFactory& factory, const GRAPHICS::IRasterComponent& raster,
-                            COLOR::IConnectionColorSpace& target, const IntentPair& intents,
-                            TInterfacePtr<GRAPHICS::IRasterComponent>& out) {
+bool ConvertProcessChannels(IClassFactory& factory, const Raster& raster,
+                            IConnectionColorSpace& target, const IntentPair& intents,
+                            TInterfacePtr<Raster>& out) {
     const std::int32_t bits = raster.GetBitsPerSample() == 16 ? 16 : 8;
     const std::int32_t width = raster.GetWidth();
     auto lines = std::make_shared<SharedLines>(raster, target, bits, intents);
@@ -78,8 +66,8 @@ bool ConvertProcessChannels(IClassFactory& factory, const GRAPHICS::IRasterCompo
         return false;
     }
     for (std::int32_t i = 0; i < out->GetPrimaryCount(); ++i) {
-        const auto data =
-            MakeObject<ConvertedChannelData>(lines, static_cast<std::size_t>(i), width * bits / 8);
+        const auto data = MakeObject<ConvertedChannelData>(
+            lines, static_cast<std::size_t>(i), static_cast<std::size_t>(width * bits / 8));
         out->GetPrimary(i)->SetData(data.Get());
     }
     for (std::int32_t i = 0; i < raster.GetExtraCount(); ++i) {

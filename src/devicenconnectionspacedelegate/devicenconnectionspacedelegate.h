@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "baseconnectionspacedelegate/names.h"
 #include "privatecmykcompositeconnectionspacedelegate/privatecmykcompositeconnectionspacedelegate.h"
 
 namespace VANTIX::RENDERING {
@@ -20,72 +21,65 @@ public:
     using Inner = TInterfacePtr<PrivateCMYKCompositeConnectionSpaceDelegate>;
 
     /// `options` are `DELEGATEOPTION` bits.
-    DeviceNConnectionSpaceDelegate(IClassFactory& factory,
-                                   COLOR::IConnectionColorSpace* destination, std::uint32_t options,
-                                   Inner inner)
+    DeviceNConnectionSpaceDelegate(IClassFactory& factory, IConnectionColorSpace* destination,
+                                   std::uint32_t options, Inner inner)
         : PrivateCMYKCompositeConnectionSpaceDelegate(factory, destination, options),
           mInner(std::move(inner)) {}
 
     /// Aggregates into the inner delegate as well.
     Status Aggregate(IObject* object, GUID id) override;
 
-    bool SetColorSpace(COLOR::IConnectionColorSpace* space, bool fill) override;
+    bool SetColorSpace(IConnectionColorSpace* space, bool fill) override;
     /// A pattern takes the components of the space that is selected for it.
-    bool SetUncoloredPattern(const char* patternName, COLOR::IConnectionColorSpace* underlying,
+    bool SetUncoloredPattern(const char* patternName, IConnectionColorSpace* underlying,
                              bool fill) override;
     /// Keeps shadings in spot spaces and DeviceCMYK as they are; converts the others.
-    void FillWithColorSpace(COLOR::IConnectionColorSpace* shading, ResourceId id, float x, float y,
+    void FillWithColorSpace(IConnectionColorSpace* shading, ResourceId id, float x, float y,
                             float width, float height, bool paint) override;
     void SetGraphicsState(GRAPHICS::IGraphicsState* state) override;
     bool SetColor(const float* values, std::int32_t count, bool fill) override;
-    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                      float height) override;
-    void InjectIndexedImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                            float height, COLOR::IIndexedConnectionColorSpace* indexed) override;
-    void WriteGreyscaleImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                             float height) override;
+    void InjectRaster(Raster& raster, float x, float y, float width, float height) override;
+    void InjectIndexedImage(Raster& raster, float x, float y, float width, float height,
+                            COLOR::IIndexedConnectionColorSpace* indexed) override;
+    void WriteGreyscaleImage(Raster& raster, float x, float y, float width, float height) override;
 
 protected:
     /// A Separation of the same ink over DeviceCMYK: the same one for the same space. Null (logged)
     /// when it cannot be made.
     COLOR::ISeparationConnectionColorSpace* CreateSeparationCSWithCMYKAlternate(
-        COLOR::IConnectionColorSpace* space);
+        IConnectionColorSpace* space);
 
-    void InjectCMYKPlusSpotRaster(GRAPHICS::IRasterComponent& given, float x, float y, float width,
-                                  float height);
+    void InjectCMYKPlusSpotRaster(Raster& given, float x, float y, float width, float height);
     /// Writes an image whose spot channels are the inks of `space`, in their order.
-    void WriteRasterToDeviceNWithInks(GRAPHICS::IRasterComponent& raster, float x, float y,
-                                      float width, float height,
+    void WriteRasterToDeviceNWithInks(Raster& raster, float x, float y, float width, float height,
                                       COLOR::IDeviceNConnectionColorSpace* space,
-                                      const COLOR::IInkCollection* inks,
-                                      COLOR::TRenderingIntent intent);
+                                      const COLOR::IInkCollection* inks, TRenderingIntent intent);
     /// Writes the data of the image just begun: the channels that `selection` marks, process
     /// channels first. 0, 62 without an output context, 3 (logged) when a channel has no data.
-    Status WriteCMYKPlusSpotChannelData(GRAPHICS::IRasterComponent& raster,
-                                        const SpotChannels& spots,
-                                        COLOR::IConnectionColorSpace* space,
-                                        std::uint64_t selection);
+    Status WriteCMYKPlusSpotChannelData(Raster& raster, const SpotChannels& spots,
+                                        IConnectionColorSpace* space, std::uint64_t selection);
     /// The raster of an Indexed one over inks with a plate for each ink; `out` stays null when it
     /// cannot be made (logged).
-    void InjectExpandedIndexedRasterWithSpot(GRAPHICS::IRasterComponent& raster,
+    void InjectExpandedIndexedRasterWithSpot(Raster& raster,
                                              COLOR::IIndexedConnectionColorSpace* indexed,
-                                             TInterfacePtr<GRAPHICS::IRasterComponent>& out);
+                                             TInterfacePtr<Raster>& out);
 
     [[nodiscard]] PrivateCMYKCompositeConnectionSpaceDelegate& InnerDelegate() { return *mInner; }
 
 private:
     struct KnownSeparation {
         GUID source;
-        TInterfacePtr<COLOR::IConnectionColorSpace> made;
+        TInterfacePtr<IConnectionColorSpace> made;
     };
 
-    TInterfacePtr<COLOR::IConnectionColorSpace> MakeSeparation(
+    TInterfacePtr<IConnectionColorSpace> MakeSeparation(
         const COLOR::ISeparationConnectionColorSpace& separation);
-    void WriteSeparationRaster(GRAPHICS::IRasterComponent& raster);
+    void WriteSeparationRaster(Raster& raster);
     /// What full tint of an ink leaves on paper, as ink amounts; nothing when the host cannot
     /// convert it.
-    [[nodiscard]] std::optional<std::array<float, 4>> InkAmounts(
-        const COLOR::IConnectionColorSpace& space, const float* tints, std::int32_t count) const;
+    [[nodiscard]] std::optional<std::array<float, 4>> InkAmounts(const IConnectionColorSpace& space,
+                                                                 const float* tints,
+                                                                 std::int32_t count) const;
     bool AddSpots(const SpotChannels& spots, const char* range, std::size_t firstBit,
                   Colorants& colorants, std::uint64_t& selection) const;
     bool AddInks(COLOR::IDeviceNConnectionColorSpace& space, const COLOR::IInkCollection& inks,
@@ -99,21 +93,22 @@ private:
 class ColorManagedDeviceNConnectionSpaceDelegate : public DeviceNConnectionSpaceDelegate {
 public:
     ColorManagedDeviceNConnectionSpaceDelegate(IClassFactory& factory,
-                                               COLOR::IConnectionColorSpace* destination,
+                                               IConnectionColorSpace* destination,
                                                std::uint32_t options, Inner inner);
 
-    bool SetColorSpace(COLOR::IConnectionColorSpace* space, bool fill) override;
+    bool SetColorSpace(IConnectionColorSpace* space, bool fill) override;
     bool SetColor(const float* values, std::int32_t count, bool fill) override;
-    void InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                float height, FourCC deviceKey) override;
+    void InjectDeviceSpaceImage(Raster& raster, float x, float y, float width, float height,
+                                FourCC deviceKey) override;
 };
 
 /// A new DeviceN delegate on `destination`, which is DeviceCMYK, or null (logged). `options` are
 /// `DELEGATEOPTION` bits.
-IConnectionSpaceDelegate* CreateDeviceNConnectionSpaceDelegate(
-    IClassFactory& factory, COLOR::IConnectionColorSpace* destination, std::uint32_t options);
+IConnectionSpaceDelegate* CreateDeviceNConnectionSpaceDelegate(IClassFactory& factory,
+                                                               IConnectionColorSpace* destination,
+                                                               std::uint32_t options);
 /// The same that converts through profiles.
 IConnectionSpaceDelegate* CreateColorManagedDeviceNConnectionSpaceDelegate(
-    IClassFactory& factory, COLOR::IConnectionColorSpace* destination, std::uint32_t options);
+    IClassFactory& factory, IConnectionColorSpace* destination, std::uint32_t options);
 
 }  // namespace VANTIX::RENDERING

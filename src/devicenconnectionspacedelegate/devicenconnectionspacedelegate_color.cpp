@@ -6,17 +6,12 @@
 #include "baseconnectionspacedelegate/spacekinds.h"
 #include "cmykcompositeconnectionspacedelegate/cmykcompositeconnectionspacedelegate.h"
 #include "core/color/iconnectioncolorspacefactory.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "devicenconnectionspacedelegate/devicenconnectionspacedelegate.h"
 
 namespace VANTIX::RENDERING {
 
 namespace {
-
-using COLOR::IConnectionColorSpace;
-using COLOR::TRenderingIntent;
-using GRAPHICS::HELPER::GetOwnFamily;
 
 constexpr const char* kModule = "src/devicenconnectionspacedelegate";
 
@@ -240,9 +235,10 @@ bool ColorManagedDeviceNConnectionSpaceDelegate::SetColor(const float* values, s
     return true;
 }
 
-void ColorManagedDeviceNConnectionSpaceDelegate::InjectDeviceSpaceImage(
-    GRAPHICS::IRasterComponent& raster, float x, float y, float width, float height,
-    FourCC deviceKey) {
+void ColorManagedDeviceNConnectionSpaceDelegate::InjectDeviceSpaceImage(Raster& raster, float x,
+                                                                        float y, float width,
+                                                                        float height,
+                                                                        FourCC deviceKey) {
     InnerDelegate().InjectDeviceSpaceImage(raster, x, y, width, height, deviceKey);
 }
 

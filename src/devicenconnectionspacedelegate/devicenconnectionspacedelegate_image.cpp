@@ -8,7 +8,6 @@
 #include "baseconnectionspacedelegate/palettes.h"
 #include "baseconnectionspacedelegate/samples.h"
 #include "baseconnectionspacedelegate/spacekinds.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/graphics/pluginhelper/rasterhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "devicenconnectionspacedelegate/convertedchannels.h"
@@ -21,13 +20,6 @@
 namespace VANTIX::RENDERING {
 
 namespace {
-
-using COLOR::IConnectionColorSpace;
-using COLOR::TRenderingIntent;
-using GRAPHICS::IChannelData;
-using GRAPHICS::IChannelDesc;
-using GRAPHICS::IRasterComponent;
-using GRAPHICS::HELPER::GetOwnFamily;
 
 constexpr const char* kModule = "src/devicenconnectionspacedelegate";
 
@@ -69,7 +61,7 @@ bool Select(std::size_t index, std::uint64_t& selection) {
 
 /// Whether the channels that an image is to be made of can be: as many of them as a pixel may have,
 /// all of one depth, which several of them cannot have packed.
-bool CanInterleave(const IRasterComponent& raster, const std::vector<const IChannelDesc*>& spots,
+bool CanInterleave(const Raster& raster, const std::vector<const IChannelDesc*>& spots,
                    std::size_t channels) {
     const std::int32_t depth = raster.GetBitsPerSample();
     const bool isEven = std::all_of(spots.begin(), spots.end(),
@@ -96,8 +88,8 @@ bool HaveData(const std::vector<const IChannelDesc*>& spots) {
 
 }  // namespace
 
-void DeviceNConnectionSpaceDelegate::InjectRaster(IRasterComponent& raster, float x, float y,
-                                                  float width, float height) {
+void DeviceNConnectionSpaceDelegate::InjectRaster(Raster& raster, float x, float y, float width,
+                                                  float height) {
     auto* deviceN = AsDeviceN(raster.GetColorSpace());
     const COLOR::IInkCollection* inks = deviceN == nullptr ? nullptr : deviceN->GetInkCollection();
     const SpotChannels spots = FindSpotChannels(raster);
@@ -112,7 +104,7 @@ void DeviceNConnectionSpaceDelegate::InjectRaster(IRasterComponent& raster, floa
     }
 }
 
-void DeviceNConnectionSpaceDelegate::WriteSeparationRaster(IRasterComponent& raster) {
+void DeviceNConnectionSpaceDelegate::WriteSeparationRaster(Raster& raster) {
     PS::IPostScriptOutputContext* out = OutputContext();
     if (out == nullptr) {
         return;
@@ -147,8 +139,8 @@ bool DeviceNConnectionSpaceDelegate::AddSpots(const SpotChannels& spots, const c
     return true;
 }
 
-void DeviceNConnectionSpaceDelegate::InjectCMYKPlusSpotRaster(IRasterComponent& given, float x,
-                                                              float y, float width, float height) {
+void DeviceNConnectionSpaceDelegate::InjectCMYKPlusSpotRaster(Raster& given, float x, float y,
+                                                              float width, float height) {
     IConnectionColorSpace* space = given.GetColorSpace();
     if (FindSpotChannels(given).empty()) {
         if (IsSeparation(space)) {
@@ -163,13 +155,13 @@ void DeviceNConnectionSpaceDelegate::InjectCMYKPlusSpotRaster(IRasterComponent& 
         return;
     }
     const bool hasProcess = HasProcessData(given);
-    TInterfacePtr<IRasterComponent> raster(&given);
+    TInterfacePtr<Raster> raster(&given);
     if (hasProcess && (mColorManaged || GetOwnFamily(space) != "cmyk"_cc) &&
         !ConvertProcessChannels(*mFactory, given, *mDestination,
                                 RenderingIntents(TRenderingIntent::kPerceptual), raster)) {
         return;
     }
-    TInterfacePtr<IRasterComponent> merged;
+    TInterfacePtr<Raster> merged;
     if (!MergeSameNameChannels(*mFactory, *raster, merged)) {
         return;
     }
@@ -197,7 +189,7 @@ void DeviceNConnectionSpaceDelegate::InjectCMYKPlusSpotRaster(IRasterComponent& 
     WriteCMYKPlusSpotChannelData(*merged, spots, mDestination.Get(), selection);
 }
 
-Status DeviceNConnectionSpaceDelegate::WriteCMYKPlusSpotChannelData(IRasterComponent& raster,
+Status DeviceNConnectionSpaceDelegate::WriteCMYKPlusSpotChannelData(Raster& raster,
                                                                     const SpotChannels& spots,
                                                                     IConnectionColorSpace* space,
                                                                     std::uint64_t selection) {
@@ -284,7 +276,7 @@ bool DeviceNConnectionSpaceDelegate::AddInks(COLOR::IDeviceNConnectionColorSpace
 }
 
 void DeviceNConnectionSpaceDelegate::WriteRasterToDeviceNWithInks(
-    IRasterComponent& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
+    Raster& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/,
     COLOR::IDeviceNConnectionColorSpace* space, const COLOR::IInkCollection* inks,
     TRenderingIntent /*intent*/) {
     PS::IPostScriptOutputContext* out = OutputContext();
@@ -321,11 +313,11 @@ void DeviceNConnectionSpaceDelegate::WriteRasterToDeviceNWithInks(
 }
 
 void DeviceNConnectionSpaceDelegate::InjectIndexedImage(
-    IRasterComponent& raster, float x, float y, float width, float height,
+    Raster& raster, float x, float y, float width, float height,
     COLOR::IIndexedConnectionColorSpace* indexed) {
     IConnectionColorSpace* base = indexed == nullptr ? nullptr : indexed->GetBaseSpace();
     if (!FindSpotChannels(raster).empty()) {
-        TInterfacePtr<IRasterComponent> expanded;
+        TInterfacePtr<Raster> expanded;
         InjectExpandedIndexedRasterWithSpot(raster, indexed, expanded);
         InjectCMYKPlusSpotRaster(expanded ? *expanded : raster, x, y, width, height);
         return;
@@ -339,8 +331,7 @@ void DeviceNConnectionSpaceDelegate::InjectIndexedImage(
 }
 
 void DeviceNConnectionSpaceDelegate::InjectExpandedIndexedRasterWithSpot(
-    IRasterComponent& raster, COLOR::IIndexedConnectionColorSpace* indexed,
-    TInterfacePtr<IRasterComponent>& out) {
+    Raster& raster, COLOR::IIndexedConnectionColorSpace* indexed, TInterfacePtr<Raster>& out) {
     auto* deviceN = indexed == nullptr ? nullptr : AsDeviceN(indexed->GetBaseSpace());
     const COLOR::IInkCollection* inks = deviceN == nullptr ? nullptr : deviceN->GetInkCollection();
     if (inks == nullptr) {
@@ -359,7 +350,7 @@ void DeviceNConnectionSpaceDelegate::InjectExpandedIndexedRasterWithSpot(
         return;
     }
     // Inks alone: primaries would be process inks that the picture does not have.
-    TInterfacePtr<IRasterComponent> made;
+    TInterfacePtr<Raster> made;
     if (!GRAPHICS::HELPER::CreateRasterComponent(mFactory, cmyk.Get(), raster.GetWidth(),
                                                  raster.GetHeight(), 8, 0, 0, 1, 0, made)) {
         return;
@@ -385,7 +376,7 @@ void DeviceNConnectionSpaceDelegate::InjectExpandedIndexedRasterWithSpot(
     }
 }
 
-void DeviceNConnectionSpaceDelegate::WriteGreyscaleImage(IRasterComponent& /*raster*/, float /*x*/,
+void DeviceNConnectionSpaceDelegate::WriteGreyscaleImage(Raster& /*raster*/, float /*x*/,
                                                          float /*y*/, float /*width*/,
                                                          float /*height*/) {
     LogError(kModule) << "Unimplemented.";

@@ -26,7 +26,7 @@ struct Selection {
     /// False (logged) when a channel has no line `y`.
     bool GetLine(const DeviceNPB& block, std::int32_t y, InterleavedLine::Planes& planes) const {
         for (std::size_t k = 0; k < count; ++k) {
-            GRAPHICS::IChannelData* data = block.GetNthChannelData(indices.at(k));
+            IChannelData* data = block.GetNthChannelData(indices.at(k));
             planes[k] = data == nullptr ? nullptr : data->GetLine(y);
             if (planes[k] == nullptr) {
                 LogError(kModule) << "No data for line " << y << " of channel " << indices.at(k)
@@ -74,7 +74,7 @@ Status WriteImage(const DeviceNPB& block) {
 
 }  // namespace
 
-GRAPHICS::IChannelData* DeviceNPB::GetNthChannelData(std::int32_t index) const {
+IChannelData* DeviceNPB::GetNthChannelData(std::int32_t index) const {
     if (index < 0 || index >= count) {
         LogError(kModule) << "idx (" << index << ") rangecheck error.";
         return nullptr;

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 
+#include "baseconnectionspacedelegate/names.h"
 #include "core/color/iconnectioncolorspace.h"
 #include "core/graphics/irastercomponent.h"
 #include "postscriptconnectionspace/ipostscriptoutputcontext.h"
@@ -24,14 +25,14 @@ struct DeviceNPB {
     std::int32_t processCount = 0;  ///< of the raster
     std::uint64_t selection = 0;    ///< bit i: channel i is written
     GRAPHICS::ISwizzleServices* swizzle = nullptr;
-    COLOR::IConnectionColorSpace* space = nullptr;
+    IConnectionColorSpace* space = nullptr;
     PS::IPostScriptOutputContext* out = nullptr;
     /// Process channels, then spots.
-    std::array<GRAPHICS::IChannelData*, kMostChannels> channels{};
+    std::array<IChannelData*, kMostChannels> channels{};
     std::int32_t count = 0;
 
     /// Null (logged) beyond the channels that there are.
-    [[nodiscard]] GRAPHICS::IChannelData* GetNthChannelData(std::int32_t index) const;
+    [[nodiscard]] IChannelData* GetNthChannelData(std::int32_t index) const;
 };
 
 /// 0, or the status of the first failure (logged). The data end either way.

@@ -8,17 +8,13 @@
 #include <vector>
 
 #include "baseconnectionspacedelegate/channels.h"
+#include "baseconnectionspacedelegate/madechanneldata.h"
 #include "core/graphics/pluginhelper/rasterhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
-#include "core/object/tobject.h"
 
 namespace VANTIX::RENDERING {
 
 namespace {
-
-using GRAPHICS::IChannelData;
-using GRAPHICS::IChannelDesc;
-using GRAPHICS::IRasterComponent;
 
 constexpr const char* kModule = "src/devicenconnectionspacedelegate";
 
@@ -31,19 +27,16 @@ Sample Union(Sample a, Sample b) {
 }
 
 /// Several channels of one ink as one, of 8 or 16 bits.
-class MergedChannelData : public TObject<IChannelData> {
+class MergedChannelData : public MadeChannelData {
 public:
     MergedChannelData(std::vector<TInterfacePtr<IChannelData>> members, std::int32_t width,
                       std::int32_t bits, bool complements)
-        : mMembers(std::move(members)),
+        : MadeChannelData(static_cast<std::size_t>(width) * (bits == 16 ? 2 : 1)),
+          mMembers(std::move(members)),
           mSamples(static_cast<std::size_t>(width)),
           mHasWords(bits == 16),
           mComplements(complements),
-          mLine(mSamples * (mHasWords ? 2 : 1)) {}
-
-    Status Init(std::int32_t, std::int32_t, std::int32_t, std::int32_t) override {
-        return STATUS::kNotSupported;
-    }
+          mLine(static_cast<std::size_t>(GetLineBytes())) {}
 
     const std::uint8_t* GetLine(std::int32_t y) override {
         for (std::size_t i = 0; i < mMembers.size(); ++i) {
@@ -61,12 +54,6 @@ public:
         }
         return mLine.data();
     }
-
-    std::int32_t GetLineBytes() const override { return static_cast<std::int32_t>(mLine.size()); }
-
-    Status SetLine(std::int32_t, const std::uint8_t*) override { return STATUS::kNotSupported; }
-
-    bool IsFullyOpaque() const override { return false; }
 
 private:
     template <class Sample, unsigned Bits>
@@ -107,7 +94,7 @@ std::u16string_view NameOf(const IChannelDesc& spot) {
 
 /// The spots of the raster by name, in the order of their first channels; those without a name or
 /// data, or of another depth, stay by themselves.
-std::vector<Group> GroupSpots(const IRasterComponent& raster) {
+std::vector<Group> GroupSpots(const Raster& raster) {
     std::vector<Group> groups;
     for (std::int32_t i = 0; i < raster.GetExtraCount(); ++i) {
         IChannelDesc* spot = raster.GetExtra(i);
@@ -132,7 +119,7 @@ std::vector<Group> GroupSpots(const IRasterComponent& raster) {
 }
 
 /// The process inks join the spots of their names; answers which of them did.
-std::uint32_t JoinProcessInks(const IRasterComponent& raster, std::vector<Group>& groups) {
+std::uint32_t JoinProcessInks(const Raster& raster, std::vector<Group>& groups) {
     constexpr std::u16string_view kInks[] = {u"Cyan", u"Magenta", u"Yellow", u"Black"};
     std::uint32_t joined = 0;
     for (std::size_t i = 0; raster.GetPrimaryCount() == 4 && i < std::size(kInks); ++i) {
@@ -147,8 +134,8 @@ std::uint32_t JoinProcessInks(const IRasterComponent& raster, std::vector<Group>
     return joined;
 }
 
-bool AddSpot(IClassFactory& factory, const IRasterComponent& raster, Group& group,
-             std::int32_t index, IRasterComponent& target) {
+bool AddSpot(IClassFactory& factory, const Raster& raster, Group& group, std::int32_t index,
+             Raster& target) {
     if (group.members.size() == 1) {
         return target.AddExtra(group.first) == STATUS::kOk;
     }
@@ -167,7 +154,7 @@ bool AddSpot(IClassFactory& factory, const IRasterComponent& raster, Group& grou
     return target.AddExtra(merged.Get()) == STATUS::kOk;
 }
 
-void CarryAlphaOver(const IRasterComponent& raster, IRasterComponent& target) {
+void CarryAlphaOver(const Raster& raster, Raster& target) {
     const IChannelDesc* alpha = AlphaChannel(raster);
     if (alpha == nullptr) {
         LogError(kModule) << " Alpha Channel not there in the raster component";
@@ -180,14 +167,13 @@ void CarryAlphaOver(const IRasterComponent& raster, IRasterComponent& target) {
 
 }  // namespace
 
-bool MergeSameNameChannels(IClassFactory& factory, IRasterComponent& raster,
-                           TInterfacePtr<IRasterComponent>& out) {
+bool MergeSameNameChannels(IClassFactory& factory, Raster& raster, TInterfacePtr<Raster>& out) {
     std::vector<Group> groups = GroupSpots(raster);
     const std::uint32_t joined = JoinProcessInks(raster, groups);
     const bool hasGroups = std::any_of(groups.begin(), groups.end(),
                                        [](const Group& group) { return group.members.size() > 1; });
     const std::int32_t bits = raster.GetBitsPerSample();
-    out = TInterfacePtr<IRasterComponent>(&raster);
+    out = TInterfacePtr<Raster>(&raster);
     if (!hasGroups) {
         return true;
     }

@@ -7,18 +7,15 @@
 #include <utility>
 #include <vector>
 
+#include "baseconnectionspacedelegate/madechanneldata.h"
 #include "baseconnectionspacedelegate/spacekinds.h"
 #include "core/color/iconnectioncolorspacefactory.h"
 #include "core/graphics/pluginhelper/rasterhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
-#include "core/object/tobject.h"
 
 namespace VANTIX::RENDERING {
 
 namespace {
-
-using COLOR::IConnectionColorSpace;
-using GRAPHICS::IChannelData;
 
 constexpr const char* kModule = "src/devicenconnectionspacedelegate";
 
@@ -50,20 +47,17 @@ void LogSignature(FourCC signature) {
 }
 
 /// One component of the palette colours that indices stand for.
-class LutChannelData : public TObject<IChannelData> {
+class LutChannelData : public MadeChannelData {
 public:
     using Table = std::array<std::uint8_t, 256>;
 
     LutChannelData(TInterfacePtr<IChannelData> indices, std::int32_t width, std::int32_t depth,
                    const Table& table)
-        : mIndices(std::move(indices)),
+        : MadeChannelData(static_cast<std::size_t>(width)),
+          mIndices(std::move(indices)),
           mDepth(static_cast<unsigned>(depth)),
           mTable(table),
           mLine(static_cast<std::size_t>(width)) {}
-
-    Status Init(std::int32_t, std::int32_t, std::int32_t, std::int32_t) override {
-        return STATUS::kNotSupported;
-    }
 
     const std::uint8_t* GetLine(std::int32_t y) override {
         const std::uint8_t* line = mIndices->GetLine(y);
@@ -77,12 +71,6 @@ public:
         }
         return mLine.data();
     }
-
-    std::int32_t GetLineBytes() const override { return static_cast<std::int32_t>(mLine.size()); }
-
-    Status SetLine(std::int32_t, const std::uint8_t*) override { return STATUS::kNotSupported; }
-
-    bool IsFullyOpaque() const override { return false; }
 
 private:
     TInterfacePtr<IChannelData> mIndices;
@@ -149,7 +137,7 @@ IConnectionColorSpace* CreateAlternateColorSpaceForSpot(IClassFactory& factory, 
     }
 }
 
-Status AddColorSpaceToSpotChannel(IClassFactory& factory, GRAPHICS::IChannelDesc* channel,
+Status AddColorSpaceToSpotChannel(IClassFactory& factory, IChannelDesc* channel,
                                   const COLOR::IInk& ink) {
     const FourCC signature = ink.GetColorSignature();
     const auto alternate = TInterfacePtr<IConnectionColorSpace>::Adopt(
@@ -180,10 +168,9 @@ Status AddColorSpaceToSpotChannel(IClassFactory& factory, GRAPHICS::IChannelDesc
     return STATUS::kOk;
 }
 
-bool AddSpotOfInks(IClassFactory& factory, const GRAPHICS::IChannelDesc& spot,
-                   GRAPHICS::IRasterComponent& destination) {
+bool AddSpotOfInks(IClassFactory& factory, const IChannelDesc& spot, Raster& destination) {
     const std::int32_t width = destination.GetWidth();
-    TInterfacePtr<GRAPHICS::IChannelDesc> channel;
+    TInterfacePtr<IChannelDesc> channel;
     if (spot.GetData() == nullptr || spot.GetBits() != 8 ||
         !GRAPHICS::HELPER::CreateChannelDesc(&factory, "SPOT"_cc, destination.GetExtraCount(), 8,
                                              width, destination.GetHeight(), spot.GetOpacity(),
@@ -205,7 +192,7 @@ bool AddSpotOfInks(IClassFactory& factory, const GRAPHICS::IChannelDesc& spot,
 Status AddSpotChannelDescFromLUT(IClassFactory& factory, IChannelData* indices, std::int32_t depth,
                                  const std::uint8_t* table, std::int32_t entries,
                                  std::int32_t components, const COLOR::IInkCollection* inks,
-                                 TInterfacePtr<GRAPHICS::IRasterComponent>& destination) {
+                                 TInterfacePtr<Raster>& destination) {
     if (indices == nullptr || depth < 1 || depth > 8) {
         return Fail("Source index channel data is invalid.");
     }
@@ -227,7 +214,7 @@ Status AddSpotChannelDescFromLUT(IClassFactory& factory, IChannelData* indices, 
     const std::int32_t width = destination->GetWidth();
     for (std::int32_t k = 0; k < count; ++k) {
         const COLOR::IInk* ink = InkAt(*inks, k);
-        TInterfacePtr<GRAPHICS::IChannelDesc> channel;
+        TInterfacePtr<IChannelDesc> channel;
         if (ink == nullptr ||
             !GRAPHICS::HELPER::CreateChannelDesc(&factory, "SPOT"_cc, k, 8, width,
                                                  destination->GetHeight(), 1, channel)) {

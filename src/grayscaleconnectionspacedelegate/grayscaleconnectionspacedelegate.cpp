@@ -2,22 +2,22 @@
 #include "grayscaleconnectionspacedelegate/grayscaleconnectionspacedelegate.h"
 
 #include "baseconnectionspacedelegate/spacekinds.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 
 namespace VANTIX::RENDERING {
 
 namespace {
 
-using COLOR::IConnectionColorSpace;
-using GRAPHICS::IRasterComponent;
-using GRAPHICS::HELPER::GetOwnFamily;
-
 constexpr const char* kModule = "src/grayscaleconnectionspacedelegate";
 constexpr const char* kNoData = "Could not find a necessary channel data.";
 
-constexpr ProcessModel kModel{"gray"_cc, kModule, "/DeviceGray", "[0 1]",
-                              &COLOR::IConnectionColorSpaceFactory::CreateDeviceGrayColorSpace};
+constexpr ProcessModel kModel{"gray"_cc,
+                              kModule,
+                              "/DeviceGray",
+                              "[0 1]",
+                              &COLOR::IConnectionColorSpaceFactory::CreateDeviceGrayColorSpace,
+                              "There is stroke ConnectionColorSpace currently set.",
+                              "There is fill ConnectionColorSpace currently set."};
 
 void LogMissingLine(std::int32_t line, std::size_t /*channel*/) {
     LogError(kModule) << "Could not get line " << line
@@ -38,12 +38,27 @@ void BaseGreyConnectionSpaceDelegate::Init(bool setDefaultColour) {
 }
 
 void BaseGreyConnectionSpaceDelegate::InjectIndexedImage(
-    IRasterComponent& raster, float x, float y, float width, float height,
+    Raster& raster, float x, float y, float width, float height,
     COLOR::IIndexedConnectionColorSpace* indexed) {
     if (mGrayColorSpace) {
         InjectIndexedRaster(raster, x, y, width, height, indexed, mGrayColorSpace.Get(),
                             BecomesImageMask(raster));
     }
+}
+
+IConnectionColorSpace* BaseGreyConnectionSpaceDelegate::InputSpace(bool fill) const {
+    IConnectionColorSpace* source = CurrentColorSpace(fill);
+    if (source == nullptr) {
+        LogError(kModule) << "There is No Input ConnectionColorSace.";
+    }
+    return source;
+}
+
+std::optional<ColorValues> BaseGreyConnectionSpaceDelegate::KeptColor(IConnectionColorSpace* source,
+                                                                      const float* values,
+                                                                      std::int32_t count) const {
+    const bool isGray = source == nullptr || GetOwnFamily(source) == "gray"_cc;
+    return isGray && count == 1 ? std::optional(ColorValues{{values[0]}, 1}) : std::nullopt;
 }
 
 bool BaseGreyConnectionSpaceDelegate::IsGrayDepth(std::int32_t depth) {
@@ -55,8 +70,7 @@ bool BaseGreyConnectionSpaceDelegate::IsGrayDepth(std::int32_t depth) {
     return depth >= 8 && depth <= 16;
 }
 
-void BaseGreyConnectionSpaceDelegate::WriteGrayOfPlanes(IRasterComponent& raster,
-                                                        std::int32_t channels,
+void BaseGreyConnectionSpaceDelegate::WriteGrayOfPlanes(Raster& raster, std::int32_t channels,
                                                         const GrayMessages& messages) {
     const std::int32_t depth = raster.GetBitsPerSample();
     if (!HasPrimaries(raster, channels, kNoData) || !IsGrayDepth(depth)) {
@@ -73,31 +87,8 @@ void BaseGreyConnectionSpaceDelegate::WriteGrayOfPlanes(IRasterComponent& raster
                         ReaderOf(raster, channels, LogMissingLine), build});
 }
 
-bool DeviceGrayConnectionSpaceDelegate::SetColor(const float* values, std::int32_t count,
-                                                 bool fill) {
-    PS::IPostScriptOutputContext* out = OutputContext();
-    if (out == nullptr || values == nullptr || count <= 0) {
-        return false;
-    }
-    IConnectionColorSpace* source = CurrentColorSpace(fill);
-    if (source == nullptr && count > 1) {
-        LogError(kModule) << "There is " << (fill ? "fill" : "stroke")
-                          << " ConnectionColorSpace currently set.";
-        return false;
-    }
-    if (SetPlateSelection(source, values)) {
-        return true;
-    }
-    const bool isGray = source == nullptr || GetOwnFamily(source) == "gray"_cc;
-    if (!isGray || count > 1) {
-        return SetColorWithConversion(source, mDestination.Get(), values, count);
-    }
-    out->SetColor(values, count);
-    return true;
-}
-
-void DeviceGrayConnectionSpaceDelegate::InjectRaster(IRasterComponent& raster, float x, float y,
-                                                     float width, float height) {
+void DeviceGrayConnectionSpaceDelegate::InjectRaster(Raster& raster, float x, float y, float width,
+                                                     float height) {
     const auto* profile = AsProfileBased(raster.GetColorSpace());
     if (profile != nullptr && profile->GetFamily() == "gray"_cc) {
         InjectDeviceSpaceImage(raster, x, y, width, height, "gray"_cc);
@@ -106,8 +97,8 @@ void DeviceGrayConnectionSpaceDelegate::InjectRaster(IRasterComponent& raster, f
     }
 }
 
-void DeviceGrayConnectionSpaceDelegate::InjectDeviceSpaceImage(IRasterComponent& raster, float x,
-                                                               float y, float width, float height,
+void DeviceGrayConnectionSpaceDelegate::InjectDeviceSpaceImage(Raster& raster, float x, float y,
+                                                               float width, float height,
                                                                FourCC deviceKey) {
     if (deviceKey == "gray"_cc) {
         WriteGreyscaleImage(raster, x, y, width, height);
@@ -116,7 +107,7 @@ void DeviceGrayConnectionSpaceDelegate::InjectDeviceSpaceImage(IRasterComponent&
     }
 }
 
-void DeviceGrayConnectionSpaceDelegate::WriteGreyscaleImage(IRasterComponent& raster, float /*x*/,
+void DeviceGrayConnectionSpaceDelegate::WriteGreyscaleImage(Raster& raster, float /*x*/,
                                                             float /*y*/, float /*width*/,
                                                             float /*height*/) {
     const std::int32_t depth = raster.GetBitsPerSample();
@@ -126,25 +117,22 @@ void DeviceGrayConnectionSpaceDelegate::WriteGreyscaleImage(IRasterComponent& ra
     }
 }
 
-void DeviceGrayConnectionSpaceDelegate::InjectRGBImage(IRasterComponent& raster, float /*x*/,
-                                                       float /*y*/, float /*width*/,
-                                                       float /*height*/) {
+void DeviceGrayConnectionSpaceDelegate::InjectRGBImage(Raster& raster, float /*x*/, float /*y*/,
+                                                       float /*width*/, float /*height*/) {
     WriteGrayOfPlanes(raster, 3,
                       {{"Insufficient memory for a grayLine.", nullptr},
                        {"Insufficient memory for a packedLine.", nullptr}});
 }
 
-void DeviceGrayConnectionSpaceDelegate::InjectCMYKImage(IRasterComponent& raster, float /*x*/,
-                                                        float /*y*/, float /*width*/,
-                                                        float /*height*/) {
+void DeviceGrayConnectionSpaceDelegate::InjectCMYKImage(Raster& raster, float /*x*/, float /*y*/,
+                                                        float /*width*/, float /*height*/) {
     WriteGrayOfPlanes(raster, 4,
                       {{"Insufficient memory for a grayLine.", nullptr},
                        {"Insufficient memory for a packedLine.", nullptr}});
 }
 
-void DeviceGrayConnectionSpaceDelegate::InjectRasterAsDeviceGrayImage(IRasterComponent& raster,
-                                                                      float /*x*/, float /*y*/,
-                                                                      float /*width*/,
+void DeviceGrayConnectionSpaceDelegate::InjectRasterAsDeviceGrayImage(Raster& raster, float /*x*/,
+                                                                      float /*y*/, float /*width*/,
                                                                       float /*height*/) {
     const std::int32_t depth = raster.GetBitsPerSample();
     WriteConvertedRaster(raster, depth,
@@ -180,10 +168,9 @@ bool ColorManagedDeviceGrayConnectionSpaceDelegate::SetUncoloredPattern(
 
 bool ColorManagedDeviceGrayConnectionSpaceDelegate::SetColor(const float* values,
                                                              std::int32_t count, bool fill) {
-    const IConnectionColorSpace* source = CurrentColorSpace(fill);
+    IConnectionColorSpace* source = InputSpace(fill);
     PS::IPostScriptOutputContext* out = OutputContext();
     if (source == nullptr) {
-        LogError(kModule) << "There is No Input ConnectionColorSace.";
         return false;
     }
     if (!mDestination) {
@@ -194,7 +181,7 @@ bool ColorManagedDeviceGrayConnectionSpaceDelegate::SetColor(const float* values
         return false;
     }
     // None must leave what is below it, which no gray does.
-    if (SetNoneColorSpace(AsSeparation(CurrentColorSpace(fill)))) {
+    if (SetNoneColorSpace(AsSeparation(source))) {
         return true;
     }
     const auto gray =
@@ -208,9 +195,8 @@ bool ColorManagedDeviceGrayConnectionSpaceDelegate::SetColor(const float* values
     return true;
 }
 
-void ColorManagedDeviceGrayConnectionSpaceDelegate::InjectRaster(IRasterComponent& raster, float x,
-                                                                 float y, float width,
-                                                                 float height) {
+void ColorManagedDeviceGrayConnectionSpaceDelegate::InjectRaster(Raster& raster, float x, float y,
+                                                                 float width, float height) {
     auto* profile = AsProfileBased(raster.GetColorSpace());
     if (profile == nullptr || profile->GetFamily() != "gray"_cc) {
         InjectRasterAsDeviceGrayImage(raster, x, y, width, height);
@@ -224,13 +210,15 @@ void ColorManagedDeviceGrayConnectionSpaceDelegate::InjectRaster(IRasterComponen
     }
 }
 
-void ColorManagedDeviceGrayConnectionSpaceDelegate::InjectDeviceSpaceImage(
-    IRasterComponent& raster, float x, float y, float width, float height, FourCC /*deviceKey*/) {
+void ColorManagedDeviceGrayConnectionSpaceDelegate::InjectDeviceSpaceImage(Raster& raster, float x,
+                                                                           float y, float width,
+                                                                           float height,
+                                                                           FourCC /*deviceKey*/) {
     InjectRasterAsDeviceGrayImage(raster, x, y, width, height);
 }
 
-void Grayscale100ConnectionSpaceDelegate::Image(IRasterComponent& /*raster*/, float /*x*/,
-                                                float /*y*/, float /*width*/, float /*height*/) {
+void Grayscale100ConnectionSpaceDelegate::Image(Raster& /*raster*/, float /*x*/, float /*y*/,
+                                                float /*width*/, float /*height*/) {
     LogError(kModule) << "unimplemented";
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "baseconnectionspacedelegate/names.h"
 #include "baseconnectionspacedelegate/processconnectionspacedelegate.h"
 #include "grayscaleconnectionspacedelegate/graylines.h"
 
@@ -9,61 +10,57 @@ namespace VANTIX::RENDERING {
 /// What the delegates share whose jobs are gray alone.
 class BaseGreyConnectionSpaceDelegate : public ProcessConnectionSpaceDelegate {
 public:
-    void Init(bool setDefaultColour) override;
-    /// Converts palettes into DeviceGray; needs `Init`.
-    void InjectIndexedImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                            float height, COLOR::IIndexedConnectionColorSpace* indexed) override;
-
-protected:
-    BaseGreyConnectionSpaceDelegate(IClassFactory& factory,
-                                    COLOR::IConnectionColorSpace* destination,
+    /// `options` are `DELEGATEOPTION` bits.
+    BaseGreyConnectionSpaceDelegate(IClassFactory& factory, IConnectionColorSpace* destination,
                                     std::uint32_t options);
 
+    void Init(bool setDefaultColour) override;
+    /// Converts palettes into DeviceGray; needs `Init`.
+    void InjectIndexedImage(Raster& raster, float x, float y, float width, float height,
+                            COLOR::IIndexedConnectionColorSpace* indexed) override;
+
+protected:
     /// What is said when there is no memory for a gray line.
     struct GrayMessages {
         BufferMessage gray;
         BufferMessage packed;
     };
 
+    /// The state's current space (borrowed), or null (logged).
+    [[nodiscard]] IConnectionColorSpace* InputSpace(bool fill) const;
     /// False (logged) for a depth that has no gray samples of 8 or 16 bits.
     static bool IsGrayDepth(std::int32_t depth);
     /// Writes the gray of a raster of three lights or four complemented inks, by its samples alone.
-    void WriteGrayOfPlanes(GRAPHICS::IRasterComponent& raster, std::int32_t channels,
-                           const GrayMessages& messages);
+    void WriteGrayOfPlanes(Raster& raster, std::int32_t channels, const GrayMessages& messages);
 
-    TInterfacePtr<COLOR::IConnectionColorSpace> mGrayColorSpace;  // DeviceGray
+    TInterfacePtr<IConnectionColorSpace> mGrayColorSpace;  // DeviceGray
+
+private:
+    [[nodiscard]] std::optional<ColorValues> KeptColor(IConnectionColorSpace* source,
+                                                       const float* values,
+                                                       std::int32_t count) const override;
 };
 
 /// Writes everything in DeviceGray, converting only what is not gray already.
 class DeviceGrayConnectionSpaceDelegate : public BaseGreyConnectionSpaceDelegate {
 public:
-    /// `options` are `DELEGATEOPTION` bits.
-    DeviceGrayConnectionSpaceDelegate(IClassFactory& factory,
-                                      COLOR::IConnectionColorSpace* destination,
-                                      std::uint32_t options)
-        : BaseGreyConnectionSpaceDelegate(factory, destination, options) {}
+    using BaseGreyConnectionSpaceDelegate::BaseGreyConnectionSpaceDelegate;
 
-    bool SetColorSpace(COLOR::IConnectionColorSpace* space, bool /*fill*/) override {
+    bool SetColorSpace(IConnectionColorSpace* space, bool /*fill*/) override {
         return SetDeviceColorSpaceByKey(space, "gray"_cc);
     }
 
-    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                      float height) override;
-    void InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                float height, FourCC deviceKey) override;
-    bool SetColor(const float* values, std::int32_t count, bool fill) override;
+    void InjectRaster(Raster& raster, float x, float y, float width, float height) override;
+    void InjectDeviceSpaceImage(Raster& raster, float x, float y, float width, float height,
+                                FourCC deviceKey) override;
     /// Writes gray samples of 8 or 16 bits as they are.
-    void WriteGreyscaleImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                             float height) override;
-    void InjectRGBImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                        float height) override;
-    void InjectCMYKImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                         float height) override;
+    void WriteGreyscaleImage(Raster& raster, float x, float y, float width, float height) override;
+    void InjectRGBImage(Raster& raster, float x, float y, float width, float height) override;
+    void InjectCMYKImage(Raster& raster, float x, float y, float width, float height) override;
 
 protected:
     /// Converts the raster into DeviceGray of 8 bits, or 12 of 16.
-    void InjectRasterAsDeviceGrayImage(GRAPHICS::IRasterComponent& raster, float x, float y,
-                                       float width, float height);
+    void InjectRasterAsDeviceGrayImage(Raster& raster, float x, float y, float width, float height);
 };
 
 /// Converts every colour and raster into DeviceGray through profiles: only rasters tagged with the
@@ -72,72 +69,57 @@ class ColorManagedDeviceGrayConnectionSpaceDelegate : public DeviceGrayConnectio
 public:
     /// `options` are `DELEGATEOPTION` bits.
     ColorManagedDeviceGrayConnectionSpaceDelegate(IClassFactory& factory,
-                                                  COLOR::IConnectionColorSpace* destination,
+                                                  IConnectionColorSpace* destination,
                                                   std::uint32_t options);
 
     /// Selects Registration; leaves every other space to `SetColor`.
-    bool SetColorSpace(COLOR::IConnectionColorSpace* space, bool fill) override;
-    bool SetUncoloredPattern(const char* patternName, COLOR::IConnectionColorSpace* underlying,
+    bool SetColorSpace(IConnectionColorSpace* space, bool fill) override;
+    bool SetUncoloredPattern(const char* patternName, IConnectionColorSpace* underlying,
                              bool fill) override;
-    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                      float height) override;
-    void InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                float height, FourCC deviceKey) override;
+    void InjectRaster(Raster& raster, float x, float y, float width, float height) override;
+    void InjectDeviceSpaceImage(Raster& raster, float x, float y, float width, float height,
+                                FourCC deviceKey) override;
     bool SetColor(const float* values, std::int32_t count, bool fill) override;
 };
 
 /// The same without images.
 class Grayscale100ConnectionSpaceDelegate : public ColorManagedDeviceGrayConnectionSpaceDelegate {
 public:
-    /// `options` are `DELEGATEOPTION` bits.
-    Grayscale100ConnectionSpaceDelegate(IClassFactory& factory,
-                                        COLOR::IConnectionColorSpace* destination,
-                                        std::uint32_t options)
-        : ColorManagedDeviceGrayConnectionSpaceDelegate(factory, destination, options) {}
+    using ColorManagedDeviceGrayConnectionSpaceDelegate::
+        ColorManagedDeviceGrayConnectionSpaceDelegate;
 
     /// Draws nothing (logged).
-    void Image(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-               float height) override;
+    void Image(Raster& raster, float x, float y, float width, float height) override;
 };
 
 /// Writes gray as luminance in CIE-based spaces with the white points of the colours. It selects no
-/// space by itself, so that `SetColorSpaceAndValues` sets no colour.
+/// space by itself, so that `SetColorSpaceAndValues` sets no colour. The destination is calibrated
+/// gray.
 class CalibratedGrayConnectionSpaceDelegate : public BaseGreyConnectionSpaceDelegate {
 public:
-    /// `destination` is calibrated gray; `options` are `DELEGATEOPTION` bits.
-    CalibratedGrayConnectionSpaceDelegate(IClassFactory& factory,
-                                          COLOR::IConnectionColorSpace* destination,
-                                          std::uint32_t options)
-        : BaseGreyConnectionSpaceDelegate(factory, destination, options) {}
+    using BaseGreyConnectionSpaceDelegate::BaseGreyConnectionSpaceDelegate;
 
     /// Selects nothing; always false.
-    bool SetColorSpace(COLOR::IConnectionColorSpace* /*space*/, bool /*fill*/) override {
-        return false;
-    }
+    bool SetColorSpace(IConnectionColorSpace* /*space*/, bool /*fill*/) override { return false; }
 
     /// Converts shadings into DeviceGray; needs `Init`.
-    void FillWithColorSpace(COLOR::IConnectionColorSpace* shading, ResourceId id, float x, float y,
+    void FillWithColorSpace(IConnectionColorSpace* shading, ResourceId id, float x, float y,
                             float width, float height, bool paint) override;
-    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                      float height) override;
+    void InjectRaster(Raster& raster, float x, float y, float width, float height) override;
     /// Writes rasters of the device spaces: gray below 16 bits as it is.
-    void InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                float height, FourCC deviceKey) override;
+    void InjectDeviceSpaceImage(Raster& raster, float x, float y, float width, float height,
+                                FourCC deviceKey) override;
     /// Selects the calibrated gray of the state's current space and sets the luminance of the
     /// colour.
     bool SetColor(const float* values, std::int32_t count, bool fill) override;
     /// Writes gray samples of 16 bits as luminance.
-    void WriteGreyscaleImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                             float height) override;
-    void InjectRGBImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                        float height) override;
+    void WriteGreyscaleImage(Raster& raster, float x, float y, float width, float height) override;
+    void InjectRGBImage(Raster& raster, float x, float y, float width, float height) override;
     /// Writes the gray of the RGB that the host makes of inks.
-    void InjectCMYKImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                         float height) override;
+    void InjectCMYKImage(Raster& raster, float x, float y, float width, float height) override;
 
 private:
-    void WriteLuminance(GRAPHICS::IRasterComponent& raster, std::int32_t depth,
-                        const BufferMessage& message);
+    void WriteLuminance(Raster& raster, std::int32_t depth, const BufferMessage& message);
 };
 
 }  // namespace VANTIX::RENDERING

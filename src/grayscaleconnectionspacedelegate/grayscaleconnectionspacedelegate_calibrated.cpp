@@ -9,10 +9,6 @@ namespace VANTIX::RENDERING {
 
 namespace {
 
-using COLOR::IConnectionColorSpace;
-using COLOR::TRenderingIntent;
-using GRAPHICS::IRasterComponent;
-
 constexpr const char* kModule = "src/grayscaleconnectionspacedelegate";
 
 void LogMissingLine(std::int32_t line, std::size_t /*channel*/) {
@@ -43,10 +39,9 @@ void CalibratedGrayConnectionSpaceDelegate::FillWithColorSpace(IConnectionColorS
 
 bool CalibratedGrayConnectionSpaceDelegate::SetColor(const float* values, std::int32_t count,
                                                      bool fill) {
-    const IConnectionColorSpace* source = CurrentColorSpace(fill);
+    const IConnectionColorSpace* source = InputSpace(fill);
     PS::IPostScriptOutputContext* out = OutputContext();
     if (source == nullptr) {
-        LogError(kModule) << "There is No Input ConnectionColorSace.";
         return false;
     }
     const auto intents = RenderingIntents(TRenderingIntent::kPerceptual);
@@ -61,9 +56,8 @@ bool CalibratedGrayConnectionSpaceDelegate::SetColor(const float* values, std::i
     return true;
 }
 
-void CalibratedGrayConnectionSpaceDelegate::InjectRaster(IRasterComponent& raster, float /*x*/,
-                                                         float /*y*/, float /*width*/,
-                                                         float /*height*/) {
+void CalibratedGrayConnectionSpaceDelegate::InjectRaster(Raster& raster, float /*x*/, float /*y*/,
+                                                         float /*width*/, float /*height*/) {
     const auto* profile = AsProfileBased(raster.GetColorSpace());
     const FourCC kind = profile == nullptr ? FourCC{"XYZ "_cc} : profile->GetPCSKind();
     if (kind != "XYZ "_cc && kind != "Lab "_cc) {
@@ -74,8 +68,7 @@ void CalibratedGrayConnectionSpaceDelegate::InjectRaster(IRasterComponent& raste
 }
 
 // The host gives the connection colour as XYZ, whichever way a profile has it.
-void CalibratedGrayConnectionSpaceDelegate::WriteLuminance(IRasterComponent& raster,
-                                                           std::int32_t depth,
+void CalibratedGrayConnectionSpaceDelegate::WriteLuminance(Raster& raster, std::int32_t depth,
                                                            const BufferMessage& message) {
     const IConnectionColorSpace* space = raster.GetColorSpace();
     const std::int32_t channels = raster.GetPrimaryCount();
@@ -121,9 +114,9 @@ void CalibratedGrayConnectionSpaceDelegate::WriteLuminance(IRasterComponent& ras
     WriteLines(raster, {depth == 16 ? 12 : 8, colour.c_str(), "[0 1]", line.Size(), read, build});
 }
 
-void CalibratedGrayConnectionSpaceDelegate::InjectDeviceSpaceImage(IRasterComponent& raster,
-                                                                   float x, float y, float width,
-                                                                   float height, FourCC deviceKey) {
+void CalibratedGrayConnectionSpaceDelegate::InjectDeviceSpaceImage(Raster& raster, float x, float y,
+                                                                   float width, float height,
+                                                                   FourCC deviceKey) {
     const std::int32_t depth = raster.GetBitsPerSample();
     if (deviceKey == "rgb "_cc) {
         InjectRGBImage(raster, x, y, width, height);
@@ -137,9 +130,9 @@ void CalibratedGrayConnectionSpaceDelegate::InjectDeviceSpaceImage(IRasterCompon
     }
 }
 
-void CalibratedGrayConnectionSpaceDelegate::WriteGreyscaleImage(IRasterComponent& raster,
-                                                                float /*x*/, float /*y*/,
-                                                                float /*width*/, float /*height*/) {
+void CalibratedGrayConnectionSpaceDelegate::WriteGreyscaleImage(Raster& raster, float /*x*/,
+                                                                float /*y*/, float /*width*/,
+                                                                float /*height*/) {
     const std::int32_t depth = raster.GetBitsPerSample();
     if (depth != 16) {
         LogError(kModule) << "The bit depth=" << depth << "has not been handled.";
@@ -154,15 +147,14 @@ void CalibratedGrayConnectionSpaceDelegate::WriteGreyscaleImage(IRasterComponent
     }
 }
 
-void CalibratedGrayConnectionSpaceDelegate::InjectRGBImage(IRasterComponent& raster, float /*x*/,
-                                                           float /*y*/, float /*width*/,
-                                                           float /*height*/) {
+void CalibratedGrayConnectionSpaceDelegate::InjectRGBImage(Raster& raster, float /*x*/, float /*y*/,
+                                                           float /*width*/, float /*height*/) {
     WriteGrayOfPlanes(raster, 3,
                       {{"Insufficient mem for a grayLine.", nullptr},
                        {"Insufficient mem for a packedLine.", nullptr}});
 }
 
-void CalibratedGrayConnectionSpaceDelegate::InjectCMYKImage(IRasterComponent& raster, float /*x*/,
+void CalibratedGrayConnectionSpaceDelegate::InjectCMYKImage(Raster& raster, float /*x*/,
                                                             float /*y*/, float /*width*/,
                                                             float /*height*/) {
     const std::int32_t depth = raster.GetBitsPerSample();

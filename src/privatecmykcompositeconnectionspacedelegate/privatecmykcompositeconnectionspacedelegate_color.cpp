@@ -2,7 +2,6 @@
 #include <algorithm>
 
 #include "baseconnectionspacedelegate/palettes.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "postscriptdatastream/formattext.h"
 #include "privatecmykcompositeconnectionspacedelegate/privatecmykcompositeconnectionspacedelegate.h"
@@ -10,9 +9,6 @@
 namespace VANTIX::RENDERING {
 
 namespace {
-
-using COLOR::IConnectionColorSpace;
-using GRAPHICS::HELPER::GetOwnFamily;
 
 constexpr const char* kModule = "src/privatecmykcompositeconnectionspacedelegate";
 
@@ -22,11 +18,17 @@ void WriteBlack(const std::uint8_t* color, char* digits, std::size_t size) {
                    255 - BlackOf(color[0], color[1], color[2], color[3]));
 }
 
+constexpr const char* kNoSpace =
+    "There is no current fill colorspace and the valueCount received is > 1 (expecting a default "
+    "fill colorspace of /DeviceGray.";
+
 constexpr ProcessModel kModel{"cmyk"_cc,
                               kModule,
                               "/DeviceCMYK",
                               "[1 0 1 0 1 0 1 0]",
                               &COLOR::IConnectionColorSpaceFactory::CreateDeviceCMYKColorSpace,
+                              kNoSpace,
+                              kNoSpace,
                               "[/Indexed /DeviceCMYK 1 <000000FF 00000000>]\n",
                               WriteBlack};
 
@@ -46,47 +48,35 @@ bool PrivateCMYKCompositeConnectionSpaceDelegate::SetUncoloredPattern(
            BaseConnectionSpaceDelegate::SetUncoloredPattern(patternName, underlying, fill);
 }
 
-bool PrivateCMYKCompositeConnectionSpaceDelegate::SetColor(const float* values, std::int32_t count,
-                                                           bool fill) {
-    PS::IPostScriptOutputContext* out = OutputContext();
-    if (out == nullptr || values == nullptr || count <= 0) {
-        return false;
-    }
-    IConnectionColorSpace* source = CurrentColorSpace(fill);
+std::optional<ColorValues> PrivateCMYKCompositeConnectionSpaceDelegate::KeptColor(
+    IConnectionColorSpace* source, const float* values, std::int32_t count) const {
+    const FourCC family = source == nullptr ? 0 : GetOwnFamily(source);
     ColorValues color;
     color.count = 4;
     if (source == nullptr) {
-        if (count > 1) {
-            LogError(kModule) << "There is no current fill colorspace and the valueCount received "
-                                 "is > 1 (expecting a default fill colorspace of /DeviceGray.";
-            return false;
-        }
         color.values[3] = 1 - values[0];
-        out->SetColor(color.values, color.count);
-        return true;
+        return color;
     }
-    if (SetPlateSelection(source, values)) {
-        return true;
-    }
-    const FourCC family = GetOwnFamily(source);
     if (family == "cmyk"_cc && count == 4) {
         std::copy_n(values, 4, color.values);
         color.Complement();
-    } else if (family == "gray"_cc && count == 1 && !mPromoteGray) {
-        color = {{values[0]}, 1};
-    } else if (family == "gray"_cc && count == 1 && mDestination) {
-        const auto inks = ConvertByHost(*source, *mDestination, values, count,
-                                        RenderingIntents(COLOR::TRenderingIntent::kPerceptual));
-        if (!inks || inks->count != 4) {
-            return false;
-        }
-        const auto& v = inks->values;
-        color.values[3] = 1 - (0.3F * v[0] + 0.59F * v[1] + 0.11F * v[2]) * v[3];
-    } else {
-        return SetColorWithConversion(source, mDestination.Get(), values, count);
+        return color;
     }
-    out->SetColor(color.values, color.count);
-    return true;
+    if (family != "gray"_cc || count != 1) {
+        return std::nullopt;
+    }
+    if (!mPromoteGray) {
+        return ColorValues{{values[0]}, 1};
+    }
+    const auto inks = mDestination ? ConvertByHost(*source, *mDestination, values, count,
+                                                   RenderingIntents(TRenderingIntent::kPerceptual))
+                                   : std::nullopt;
+    if (!inks || inks->count != 4) {
+        return std::nullopt;
+    }
+    const auto& v = inks->values;
+    color.values[3] = 1 - (0.3F * v[0] + 0.59F * v[1] + 0.11F * v[2]) * v[3];
+    return color;
 }
 
 }  // namespace VANTIX::RENDERING

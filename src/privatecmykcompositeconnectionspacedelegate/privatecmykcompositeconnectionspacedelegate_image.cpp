@@ -3,17 +3,12 @@
 
 #include "baseconnectionspacedelegate/palettes.h"
 #include "baseconnectionspacedelegate/spacekinds.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "privatecmykcompositeconnectionspacedelegate/privatecmykcompositeconnectionspacedelegate.h"
 
 namespace VANTIX::RENDERING {
 
 namespace {
-
-using COLOR::TRenderingIntent;
-using GRAPHICS::IRasterComponent;
-using GRAPHICS::HELPER::GetOwnFamily;
 
 constexpr const char* kModule = "src/privatecmykcompositeconnectionspacedelegate";
 
@@ -36,13 +31,10 @@ std::int32_t WrittenBits(std::int32_t depth) {
 
 }  // namespace
 
-void PrivateCMYKCompositeConnectionSpaceDelegate::InjectDeviceSpaceImage(IRasterComponent& raster,
-                                                                         float /*x*/, float /*y*/,
-                                                                         float /*width*/,
-                                                                         float /*height*/,
-                                                                         FourCC deviceKey) {
+void PrivateCMYKCompositeConnectionSpaceDelegate::InjectDeviceSpaceImage(
+    Raster& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/, FourCC deviceKey) {
     if (deviceKey == "cmyk"_cc) {
-        WriteCMYKRaster(raster);
+        WriteModelRaster(raster);
     } else if (deviceKey == "gray"_cc) {
         WriteGreyRaster(raster);
     } else if (deviceKey == "rgb "_cc) {
@@ -55,7 +47,7 @@ void PrivateCMYKCompositeConnectionSpaceDelegate::InjectDeviceSpaceImage(IRaster
     }
 }
 
-void PrivateCMYKCompositeConnectionSpaceDelegate::WriteCMYKRaster(IRasterComponent& raster) {
+void PrivateCMYKCompositeConnectionSpaceDelegate::WriteModelRaster(Raster& raster) {
     const std::int32_t depth = raster.GetBitsPerSample();
     if (HasImageData(raster, 4, LogMissingInk) &&
         BeginImage(raster, WrittenBits(depth), kDeviceCMYK, kInverted)) {
@@ -64,7 +56,7 @@ void PrivateCMYKCompositeConnectionSpaceDelegate::WriteCMYKRaster(IRasterCompone
 }
 
 void PrivateCMYKCompositeConnectionSpaceDelegate::InjectRasterAsDeviceCMYKImage(
-    IRasterComponent& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/) {
+    Raster& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/) {
     WriteConvertedRaster(raster, 8,
                          {{"Insufficient memory to create CMYK dst buffer of ", " bytes."},
                           {"Insufficient memory to create PCS of ", " bytes."},
@@ -72,14 +64,14 @@ void PrivateCMYKCompositeConnectionSpaceDelegate::InjectRasterAsDeviceCMYKImage(
 }
 
 void PrivateCMYKCompositeConnectionSpaceDelegate::Inject16BitRasterAsDeviceCMYKImage(
-    IRasterComponent& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/) {
+    Raster& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/) {
     WriteConvertedRaster(raster, 16,
                          {{"Could not create a buffer for the destination CMYK values. "},
                           {"Could not create a buffer for the PCS values. "},
                           {"Could not create a buffer for the intermediate 12 bit CMYK values. "}});
 }
 
-void PrivateCMYKCompositeConnectionSpaceDelegate::InjectConvertedRaster(IRasterComponent& raster) {
+void PrivateCMYKCompositeConnectionSpaceDelegate::InjectConvertedRaster(Raster& raster) {
     if (raster.GetBitsPerSample() == 16) {
         Inject16BitRasterAsDeviceCMYKImage(raster, 0, 0, 1, 1);
     } else {
@@ -87,9 +79,8 @@ void PrivateCMYKCompositeConnectionSpaceDelegate::InjectConvertedRaster(IRasterC
     }
 }
 
-void PrivateCMYKCompositeConnectionSpaceDelegate::InjectByFamily(IRasterComponent& raster, float x,
-                                                                 float y, float width,
-                                                                 float height) {
+void PrivateCMYKCompositeConnectionSpaceDelegate::InjectByFamily(Raster& raster, float x, float y,
+                                                                 float width, float height) {
     const FourCC key = GetOwnFamily(raster.GetColorSpace());
     auto* profile = AsProfileBased(raster.GetColorSpace());
     if (key == "gray"_cc && !mPromoteGray) {
@@ -103,7 +94,18 @@ void PrivateCMYKCompositeConnectionSpaceDelegate::InjectByFamily(IRasterComponen
     }
 }
 
-void PrivateCMYKCompositeConnectionSpaceDelegate::InjectCMYK(IRasterComponent& raster, float /*x*/,
+void PrivateCMYKCompositeConnectionSpaceDelegate::InjectForeignProfile(
+    Raster& raster, COLOR::IProfileBasedConnectionColorSpace& profile, float x, float y,
+    float width, float height) {
+    if (profile.GetFamily() == "gray"_cc) {
+        InjectProfileBasedGreyRaster(raster, &profile, x, y, width, height);
+    } else {
+        PrivateCMYKCompositeConnectionSpaceDelegate::InjectDeviceSpaceImage(
+            raster, x, y, width, height, profile.GetFamily());
+    }
+}
+
+void PrivateCMYKCompositeConnectionSpaceDelegate::InjectCMYK(Raster& raster, float /*x*/,
                                                              float /*y*/, float /*width*/,
                                                              float /*height*/) {
     const std::int32_t depth = raster.GetBitsPerSample();
@@ -114,8 +116,8 @@ void PrivateCMYKCompositeConnectionSpaceDelegate::InjectCMYK(IRasterComponent& r
 }
 
 void PrivateCMYKCompositeConnectionSpaceDelegate::InjectProfileBasedGreyRaster(
-    IRasterComponent& raster, COLOR::IProfileBasedConnectionColorSpace* /*profile*/, float /*x*/,
-    float /*y*/, float /*width*/, float /*height*/) {
+    Raster& raster, COLOR::IProfileBasedConnectionColorSpace* /*profile*/, float /*x*/, float /*y*/,
+    float /*width*/, float /*height*/) {
     constexpr BufferMessage kPlanes{"Could not create a buffer for the destination CMYK values. "};
     constexpr BufferMessage kPcs{"Could not create a buffer for the PCS values. "};
     PS::IPostScriptOutputContext* out = OutputContext();
@@ -145,8 +147,8 @@ void PrivateCMYKCompositeConnectionSpaceDelegate::InjectProfileBasedGreyRaster(
                {8, kDeviceCMYK, "[0 1 0 1 0 1 1 0]", pixels.Size(), ReaderOf(lines), build});
 }
 
-void PrivateCMYKCompositeConnectionSpaceDelegate::WriteGreyscaleImage(IRasterComponent& raster,
-                                                                      float x, float y, float width,
+void PrivateCMYKCompositeConnectionSpaceDelegate::WriteGreyscaleImage(Raster& raster, float x,
+                                                                      float y, float width,
                                                                       float height) {
     const std::int32_t depth = raster.GetBitsPerSample();
     if (depth <= 8 ||
@@ -159,16 +161,14 @@ void PrivateCMYKCompositeConnectionSpaceDelegate::WriteGreyscaleImage(IRasterCom
     }
 }
 
-void PrivateCMYKCompositeConnectionSpaceDelegate::InjectRGBImage(IRasterComponent& /*raster*/,
-                                                                 float /*x*/, float /*y*/,
-                                                                 float /*width*/,
+void PrivateCMYKCompositeConnectionSpaceDelegate::InjectRGBImage(Raster& /*raster*/, float /*x*/,
+                                                                 float /*y*/, float /*width*/,
                                                                  float /*height*/) {
     LogError(kModule) << "Unimplemented.";
 }
 
-void PrivateCMYKCompositeConnectionSpaceDelegate::InjectCMYKImage(IRasterComponent& raster, float x,
-                                                                  float y, float width,
-                                                                  float height) {
+void PrivateCMYKCompositeConnectionSpaceDelegate::InjectCMYKImage(Raster& raster, float x, float y,
+                                                                  float width, float height) {
     InjectCMYK(raster, x, y, width, height);
 }
 

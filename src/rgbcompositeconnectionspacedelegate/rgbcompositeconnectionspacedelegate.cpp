@@ -5,7 +5,6 @@
 
 #include "baseconnectionspacedelegate/samples.h"
 #include "baseconnectionspacedelegate/spacekinds.h"
-#include "core/graphics/pluginhelper/colorhelpers.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "postscriptdatastream/formattext.h"
 
@@ -13,22 +12,18 @@ namespace VANTIX::RENDERING {
 
 namespace {
 
-using COLOR::IConnectionColorSpace;
-using GRAPHICS::IRasterComponent;
-using GRAPHICS::HELPER::GetOwnFamily;
-
-constexpr const char* kModule = "src/rgbcompositeconnectionspacedelegate";
-
 void WriteNeutral(const std::uint8_t* color, char* digits, std::size_t size) {
     const std::uint32_t gray = GrayOf<std::uint8_t>(color[0], color[1], color[2]);
     PS::FormatText(digits, size, "%02X%02X%02X", gray, gray, gray);
 }
 
 constexpr ProcessModel kModel{"rgb "_cc,
-                              kModule,
+                              kRGBModule,
                               "/DeviceRGB",
                               "[0 1 0 1 0 1]",
                               &COLOR::IConnectionColorSpaceFactory::CreateDeviceRGBColorSpace,
+                              "There is colorspace currently set for stroking.",
+                              "There is colorspace currently set for non-stroking.",
                               nullptr,
                               WriteNeutral};
 
@@ -38,37 +33,22 @@ RGBCompositeConnectionSpaceDelegate::RGBCompositeConnectionSpaceDelegate(
     IClassFactory& factory, IConnectionColorSpace* destination, std::uint32_t options)
     : ProcessConnectionSpaceDelegate(factory, destination, options, kModel) {}
 
-bool RGBCompositeConnectionSpaceDelegate::SetColor(const float* values, std::int32_t count,
-                                                   bool fill) {
-    PS::IPostScriptOutputContext* out = OutputContext();
-    if (out == nullptr || values == nullptr || count <= 0) {
-        return false;
-    }
-    IConnectionColorSpace* source = CurrentColorSpace(fill);
-    if (source == nullptr && count > 1) {
-        LogError(kModule) << "There is colorspace currently set for "
-                          << (fill ? "non-stroking." : "stroking.");
-        return false;
-    }
+std::optional<ColorValues> RGBCompositeConnectionSpaceDelegate::KeptColor(
+    IConnectionColorSpace* source, const float* values, std::int32_t count) const {
     if (source == nullptr) {
-        const float neutral[] = {values[0], values[0], values[0]};
-        out->SetColor(neutral, 3);
-        return true;
-    }
-    if (SetPlateSelection(source, values)) {
-        return true;
+        return ColorValues{{values[0], values[0], values[0]}, 3};
     }
     const FourCC family = GetOwnFamily(source);
-    const bool isKept =
-        (family == "rgb "_cc && count == 3) || (family == "gray"_cc && count == 1 && !mPromoteGray);
-    if (!isKept) {
-        return SetColorWithConversion(source, mDestination.Get(), values, count);
+    if (family == "rgb "_cc && count == 3) {
+        return ColorValues{{values[0], values[1], values[2]}, 3};
     }
-    out->SetColor(values, count);
-    return true;
+    if (family == "gray"_cc && count == 1 && !mPromoteGray) {
+        return ColorValues{{values[0]}, 1};
+    }
+    return std::nullopt;
 }
 
-void RGBCompositeConnectionSpaceDelegate::InjectRaster(IRasterComponent& raster, float x, float y,
+void RGBCompositeConnectionSpaceDelegate::InjectRaster(Raster& raster, float x, float y,
                                                        float width, float height) {
     const FourCC key = GetOwnFamily(raster.GetColorSpace());
     if (key == "gray"_cc && !mPromoteGray) {
@@ -80,12 +60,12 @@ void RGBCompositeConnectionSpaceDelegate::InjectRaster(IRasterComponent& raster,
     }
 }
 
-void RGBCompositeConnectionSpaceDelegate::InjectDeviceSpaceImage(IRasterComponent& raster,
-                                                                 float /*x*/, float /*y*/,
-                                                                 float /*width*/, float /*height*/,
+void RGBCompositeConnectionSpaceDelegate::InjectDeviceSpaceImage(Raster& raster, float /*x*/,
+                                                                 float /*y*/, float /*width*/,
+                                                                 float /*height*/,
                                                                  FourCC deviceKey) {
     if (deviceKey == "rgb "_cc && raster.GetPrimaryCount() == 3) {
-        WriteRGBRaster(raster);
+        WriteModelRaster(raster);
     } else if (deviceKey == "gray"_cc && AsDevice(raster.GetColorSpace()) != nullptr) {
         WriteGreyRaster(raster);
     } else {
@@ -93,7 +73,7 @@ void RGBCompositeConnectionSpaceDelegate::InjectDeviceSpaceImage(IRasterComponen
     }
 }
 
-void RGBCompositeConnectionSpaceDelegate::WriteRGBRaster(IRasterComponent& raster) {
+void RGBCompositeConnectionSpaceDelegate::WriteModelRaster(Raster& raster) {
     const std::int32_t depth = raster.GetBitsPerSample();
     if (HasPrimaries(raster, 3, "Problem populating channel data.") && HasImageData(raster, 3) &&
         BeginImage(raster, depth == 16 ? 12 : 8, kModel.space, kModel.decode)) {
@@ -101,8 +81,7 @@ void RGBCompositeConnectionSpaceDelegate::WriteRGBRaster(IRasterComponent& raste
     }
 }
 
-void RGBCompositeConnectionSpaceDelegate::WriteForeignRaster(IRasterComponent& raster,
-                                                             FourCC family) {
+void RGBCompositeConnectionSpaceDelegate::WriteForeignRaster(Raster& raster, FourCC family) {
     const std::int32_t depth = raster.GetBitsPerSample();
     if (depth == 8 || depth == 16) {
         WriteConvertedRaster(
@@ -113,21 +92,20 @@ void RGBCompositeConnectionSpaceDelegate::WriteForeignRaster(IRasterComponent& r
                           : "Could not create a buffer for the intermediate RGB values. ",
               " bytes required."}});
     } else if (depth != 1) {
-        LogError(kModule) << "Don't support a bit depth of " << depth;
+        LogError(kRGBModule) << "Don't support a bit depth of " << depth;
     } else if (family != "gray"_cc) {
-        LogError(kModule) << "Have a 1 bit image but the device space is not handled here.";
+        LogError(kRGBModule) << "Have a 1 bit image but the device space is not handled here.";
     } else if (HasImageData(raster, 1) &&
                BeginImage(raster, 1, "[/Indexed /DeviceRGB 1 <000000 FFFFFF>]", "[0 1]")) {
         WriteImageData(raster, 1, 1, raster.GetWidth());
     }
 }
 
-void RGBCompositeConnectionSpaceDelegate::InjectRasterAsDeviceRGBImage(IRasterComponent& raster,
-                                                                       float /*x*/, float /*y*/,
-                                                                       float /*width*/,
+void RGBCompositeConnectionSpaceDelegate::InjectRasterAsDeviceRGBImage(Raster& raster, float /*x*/,
+                                                                       float /*y*/, float /*width*/,
                                                                        float /*height*/) {
     if (!mDestination) {
-        LogError(kModule) << "Output RGB Connection colorspace has not been setup.";
+        LogError(kRGBModule) << "Output RGB Connection colorspace has not been setup.";
         return;
     }
     WriteConvertedRaster(raster, 8,
@@ -137,9 +115,9 @@ void RGBCompositeConnectionSpaceDelegate::InjectRasterAsDeviceRGBImage(IRasterCo
 }
 
 void RGBCompositeConnectionSpaceDelegate::Inject16BitRasterAsDeviceRGBImage(
-    IRasterComponent& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/) {
+    Raster& raster, float /*x*/, float /*y*/, float /*width*/, float /*height*/) {
     if (!mDestination) {
-        LogError(kModule) << "Output RGB Connection colorspace has not been setup.";
+        LogError(kRGBModule) << "Output RGB Connection colorspace has not been setup.";
         return;
     }
     WriteConvertedRaster(raster, 16,
@@ -148,7 +126,7 @@ void RGBCompositeConnectionSpaceDelegate::Inject16BitRasterAsDeviceRGBImage(
                           {"Could not create a buffer for the intermediate 12 bit RGB values. "}});
 }
 
-void RGBCompositeConnectionSpaceDelegate::InjectConvertedRaster(IRasterComponent& raster) {
+void RGBCompositeConnectionSpaceDelegate::InjectConvertedRaster(Raster& raster) {
     if (raster.GetBitsPerSample() == 16) {
         Inject16BitRasterAsDeviceRGBImage(raster, 0, 0, 1, 1);
     } else {
@@ -156,11 +134,11 @@ void RGBCompositeConnectionSpaceDelegate::InjectConvertedRaster(IRasterComponent
     }
 }
 
-void RGBCompositeConnectionSpaceDelegate::InjectCMYKImage(IRasterComponent& raster, float /*x*/,
-                                                          float /*y*/, float /*width*/,
-                                                          float /*height*/) {
+void RGBCompositeConnectionSpaceDelegate::InjectCMYKImage(Raster& raster, float /*x*/, float /*y*/,
+                                                          float /*width*/, float /*height*/) {
     if (raster.GetColorSpace() == nullptr) {
-        LogError(kModule) << "There is not IConnectionColorSpace attached to the raster component.";
+        LogError(kRGBModule)
+            << "There is not IConnectionColorSpace attached to the raster component.";
         return;
     }
     constexpr BufferMessage kNoBuffer{"Could not allocate memory for rgba data.", nullptr};
@@ -168,53 +146,17 @@ void RGBCompositeConnectionSpaceDelegate::InjectCMYKImage(IRasterComponent& rast
                          {kNoBuffer, kNoBuffer, kNoBuffer, true});
 }
 
-void RGBCompositeConnectionSpaceDelegate::WriteGreyscaleImage(IRasterComponent& /*raster*/,
-                                                              float /*x*/, float /*y*/,
-                                                              float /*width*/, float /*height*/) {
-    LogError(kModule) << "Unimplemented.";
+void RGBCompositeConnectionSpaceDelegate::WriteGreyscaleImage(Raster& /*raster*/, float /*x*/,
+                                                              float /*y*/, float /*width*/,
+                                                              float /*height*/) {
+    LogError(kRGBModule) << "Unimplemented.";
 }
 
-ColorManagedRGBCompositeConnectionSpaceDelegate::ColorManagedRGBCompositeConnectionSpaceDelegate(
-    IClassFactory& factory, IConnectionColorSpace* destination, std::uint32_t options)
-    : RGBCompositeConnectionSpaceDelegate(factory, destination, options) {
-    mColorManaged = true;
-}
-
-bool ColorManagedRGBCompositeConnectionSpaceDelegate::SetColor(const float* values,
-                                                               std::int32_t count, bool fill) {
-    return SetManagedColor(values, count, fill, kModule);
-}
-
-void ColorManagedRGBCompositeConnectionSpaceDelegate::InjectRaster(IRasterComponent& raster,
-                                                                   float x, float y, float width,
-                                                                   float height) {
-    auto* profile = AsProfileBased(raster.GetColorSpace());
-    if (profile == nullptr) {
-        RGBCompositeConnectionSpaceDelegate::InjectRaster(raster, x, y, width, height);
-        return;
-    }
-    const FourCC key = profile->GetFamily();
-    if (key != "rgb "_cc) {
-        RGBCompositeConnectionSpaceDelegate::InjectDeviceSpaceImage(raster, x, y, width, height,
-                                                                    key);
-        return;
-    }
-    const auto isOutput = IsOutputProfile(*profile, kModule);
-    if (isOutput && *isOutput) {
-        WriteRGBRaster(raster);
-    } else if (isOutput) {
-        InjectConvertedRaster(raster);
-    }
-}
-
-void ColorManagedRGBCompositeConnectionSpaceDelegate::InjectDeviceSpaceImage(
-    IRasterComponent& raster, float x, float y, float width, float height, FourCC deviceKey) {
-    if (deviceKey == "gray"_cc || deviceKey == "cmyk"_cc) {
-        RGBCompositeConnectionSpaceDelegate::InjectDeviceSpaceImage(raster, x, y, width, height,
-                                                                    deviceKey);
-    } else {
-        InjectConvertedRaster(raster);
-    }
+void RGBCompositeConnectionSpaceDelegate::InjectForeignProfile(
+    Raster& raster, COLOR::IProfileBasedConnectionColorSpace& profile, float x, float y,
+    float width, float height) {
+    RGBCompositeConnectionSpaceDelegate::InjectDeviceSpaceImage(raster, x, y, width, height,
+                                                                profile.GetFamily());
 }
 
 }  // namespace VANTIX::RENDERING

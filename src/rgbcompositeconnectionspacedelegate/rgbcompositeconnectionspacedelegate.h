@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "baseconnectionspacedelegate/processconnectionspacedelegate.h"
+#include "baseconnectionspacedelegate/colormanaged.h"
 
 namespace VANTIX::RENDERING {
 
@@ -10,55 +10,46 @@ namespace VANTIX::RENDERING {
 class RGBCompositeConnectionSpaceDelegate : public ProcessConnectionSpaceDelegate {
 public:
     /// `options` are `DELEGATEOPTION` bits.
-    RGBCompositeConnectionSpaceDelegate(IClassFactory& factory,
-                                        COLOR::IConnectionColorSpace* destination,
+    RGBCompositeConnectionSpaceDelegate(IClassFactory& factory, IConnectionColorSpace* destination,
                                         std::uint32_t options);
 
-    bool SetColorSpace(COLOR::IConnectionColorSpace* space, bool /*fill*/) override {
+    bool SetColorSpace(IConnectionColorSpace* space, bool /*fill*/) override {
         return SelectFamily(space);
     }
 
-    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                      float height) override;
+    void InjectRaster(Raster& raster, float x, float y, float width, float height) override;
     /// Writes a raster of a device or profile-based space by its family.
-    void InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                float height, FourCC deviceKey) override;
-    bool SetColor(const float* values, std::int32_t count, bool fill) override;
-    void WriteGreyscaleImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                             float height) override;
+    void InjectDeviceSpaceImage(Raster& raster, float x, float y, float width, float height,
+                                FourCC deviceKey) override;
+    void WriteGreyscaleImage(Raster& raster, float x, float y, float width, float height) override;
     /// Converts a raster of four inks, which has a colour space.
-    void InjectCMYKImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                         float height) override;
+    void InjectCMYKImage(Raster& raster, float x, float y, float width, float height) override;
 
 protected:
+    /// Writes the raster by the family of its profile.
+    void InjectForeignProfile(Raster& raster, COLOR::IProfileBasedConnectionColorSpace& profile,
+                              float x, float y, float width, float height);
     /// Converts the raster into 8-bit, or 12-bit, DeviceRGB.
-    void InjectRasterAsDeviceRGBImage(GRAPHICS::IRasterComponent& raster, float x, float y,
-                                      float width, float height);
-    void Inject16BitRasterAsDeviceRGBImage(GRAPHICS::IRasterComponent& raster, float x, float y,
-                                           float width, float height);
+    void InjectRasterAsDeviceRGBImage(Raster& raster, float x, float y, float width, float height);
+    void Inject16BitRasterAsDeviceRGBImage(Raster& raster, float x, float y, float width,
+                                           float height);
     /// Converts into 8 or 12 bits, by the raster's depth.
-    void InjectConvertedRaster(GRAPHICS::IRasterComponent& raster);
+    void InjectConvertedRaster(Raster& raster);
     /// Writes the samples of an RGB raster as they are.
-    void WriteRGBRaster(GRAPHICS::IRasterComponent& raster);
+    void WriteModelRaster(Raster& raster);
 
 private:
-    void WriteForeignRaster(GRAPHICS::IRasterComponent& raster, FourCC family);
+    [[nodiscard]] std::optional<ColorValues> KeptColor(IConnectionColorSpace* source,
+                                                       const float* values,
+                                                       std::int32_t count) const override;
+    void WriteForeignRaster(Raster& raster, FourCC family);
 };
+
+inline constexpr char kRGBModule[] = "src/rgbcompositeconnectionspacedelegate";
 
 /// Writes everything in the RGB of the output profile: only gray, and rasters tagged with that
 /// profile, keep their values.
-class ColorManagedRGBCompositeConnectionSpaceDelegate : public RGBCompositeConnectionSpaceDelegate {
-public:
-    /// `options` are `DELEGATEOPTION` bits.
-    ColorManagedRGBCompositeConnectionSpaceDelegate(IClassFactory& factory,
-                                                    COLOR::IConnectionColorSpace* destination,
-                                                    std::uint32_t options);
-
-    void InjectRaster(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                      float height) override;
-    void InjectDeviceSpaceImage(GRAPHICS::IRasterComponent& raster, float x, float y, float width,
-                                float height, FourCC deviceKey) override;
-    bool SetColor(const float* values, std::int32_t count, bool fill) override;
-};
+using ColorManagedRGBCompositeConnectionSpaceDelegate =
+    ColorManaged<RGBCompositeConnectionSpaceDelegate, kRGBModule>;
 
 }  // namespace VANTIX::RENDERING
