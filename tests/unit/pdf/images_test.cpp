@@ -176,6 +176,38 @@ TEST(Images, Level2ReplacesDeviceNByItsAlternate) {
     EXPECT_EQ(calls, "image rgb 2x1x8 0010 ff20 0000\n");
 }
 
+class ImagesWithoutGrayBits : public testing::TestWithParam<Case> {};
+
+TEST_P(ImagesWithoutGrayBits, HaveAPaletteOfGrays) {
+    std::string warnings;
+    PDF::ReaderOptions options;
+    options.graysAsPalettes = true;
+    EXPECT_EQ(PlayImage(GetParam().entries, GetParam().data, warnings, "/I Do", options),
+              GetParam().calls);
+    EXPECT_EQ(warnings, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Depths, ImagesWithoutGrayBits,
+    testing::Values(
+        Case{"One", "/Width 8 /Height 1 /ColorSpace /DeviceGray /BitsPerComponent 1", "0F>",
+             "image gray<00ff> 8x1x1 0f\n"},
+        Case{"Two", "/Width 4 /Height 1 /ColorSpace /DeviceGray /BitsPerComponent 2", "1B>",
+             "image gray<0055aaff> 4x1x2 1b\n"},
+        Case{"Four", "/Width 2 /Height 1 /ColorSpace /DeviceGray /BitsPerComponent 4", "1E>",
+             "image gray<00112233445566778899aabbccddeeff> 2x1x4 1e\n"},
+        Case{"Inverted",
+             "/Width 4 /Height 1 /ColorSpace /DeviceGray /BitsPerComponent 2 /Decode [1 0]", "1B>",
+             "image gray<0055aaff> 4x1x2 e4\n"},
+        Case{"EightStay", "/Width 1 /Height 1 /ColorSpace /DeviceGray /BitsPerComponent 8", "40>",
+             "image gray 1x1x8 40\n"},
+        Case{"PalettesStay",
+             "/Width 8 /Height 1 /ColorSpace [/Indexed /DeviceGray 1 <4080>] /BitsPerComponent 1",
+             "0F>", "image gray<4080> 8x1x1 0f\n"},
+        Case{"StencilsStay", "/ImageMask true /Width 8 /Height 1", "0F>",
+             "image gray<0000> 8x1x1 f0 alpha*1 f0\n"}),
+    [](const auto& param) { return std::string(param.param.name); });
+
 struct Inline {
     const char* name;
     const char* content;
