@@ -8,6 +8,8 @@
 #include <cmath>
 #include <fstream>
 #include <ostream>
+#include <set>
+#include <sstream>
 #include <tuple>
 
 #include "e2e/imagesheets.h"
@@ -590,6 +592,49 @@ TEST_P(KeptLight, LooksAsInThePdf) {
 INSTANTIATE_TEST_SUITE_P(Sheets, KeptLight,
                          testing::Values("DeviceGray", "DeviceRgb", "IndexedGray", "IndexedRgb",
                                          "Bilevel"),
+                         NameOfCase());
+
+/// Prints the families of the colour spaces that a job selects, of palettes their bases', one a
+/// line.
+constexpr const char* kRecorder = R"(%!PS
+/selected { dup type /arraytype eq { dup 0 get /Indexed eq { 1 get } if } if
+  dup type /arraytype eq { 0 get } if = } bind def
+/setcolorspace { dup selected setcolorspace } bind def
+/shfill { dup /ColorSpace get selected shfill } bind def
+/setgray { /DeviceGray selected setgray } bind def
+/setrgbcolor { /DeviceRGB selected setrgbcolor } bind def
+/setcmykcolor { /DeviceCMYK selected setcmykcolor } bind def
+)";
+
+class SelectedSpaces : public testing::TestWithParam<const char*> {};
+
+// Plates would not tell: interpreters spread CIE-based gray over all inks.
+TEST_P(SelectedSpaces, AreThoseOfTheModel) {
+    const std::pair<const char*, std::set<std::string>> kModels[] = {
+        {"rgb", {"DeviceGray", "DeviceRGB", "Pattern"}},
+        {"rgb-managed", {"DeviceGray", "DeviceRGB", "Pattern"}},
+        {"gray", {"DeviceGray", "Pattern"}},
+        {"gray-managed", {"DeviceGray", "Pattern"}},
+        {"gray-100", {"DeviceGray", "Pattern"}},
+        {"gray-calibrated", {"CIEBasedA", "DeviceGray", "Pattern"}}};
+    const TemporaryFolder folder;
+    const std::string output = folder.File("job.ps");
+    for (const auto& [model, spaces] : kModels) {
+        SCOPED_TRACE(model);
+        const ChildResult run = RunTool({"--color", model, CasePath(GetParam()), output});
+        ASSERT_EQ(run.exitStatus, kDone) << run.errors;
+        const ProgramOutput printed = RunPostScript(kRecorder + ReadFile(output));
+        EXPECT_EQ(printed.complaint, "");
+        EXPECT_NE(printed.text, "");
+        std::istringstream lines(printed.text);
+        for (std::string space; std::getline(lines, space);) {
+            EXPECT_EQ(spaces.count(space), 1U) << space;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, SelectedSpaces,
+                         testing::Values("default-spaces", "nchannel", "separation-exponential"),
                          NameOfCase());
 
 TEST(ModelsWithGaps, AreToldOf) {
