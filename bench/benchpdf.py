@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Makes PDF files for measurements, the same in each run: vector graphics (curves, lines, dashes,
-clips, transforms and device colours, different on each page), images, and running text."""
+clips, transforms and device colours, different on each page), images, and running text, in Latin
+and in Japanese."""
 
 import io
 import pathlib
@@ -207,4 +208,118 @@ def write_text_pdf(path, pages):
                        b"<< %s >> >> /Contents %d 0 R >>" % (b" ".join(entries), len(objects) + 2))
         objects.append(stream(text_content(chance, fonts)))
     objects[1] = b"<< /Type /Pages /Count %d /Kids [%s] >>" % (pages, b" ".join(kids))
+    write_objects(path, objects)
+
+
+NOTO_CJK = pathlib.Path("/usr/share/fonts/opentype/noto/NotoSerifCJK-Regular.ttc")
+IPA_MINCHO = pathlib.Path("/usr/share/fonts/opentype/ipafont-mincho/ipam.ttf")
+LINES, LINE_CHARACTERS = 40, 40
+
+
+def jis_rows(first, last):
+    """The characters of these rows of JIS X 0208."""
+    return "".join(bytes((160 + row, 160 + cell)).decode("euc_jp", "ignore")
+                   for row in range(first, last + 1) for cell in range(1, 95))
+
+
+def cid_font(path, is_cff, characters):
+    """(program, {character: (CID, width)}) of the first font in a file, cut to `characters`. CIDs
+    are those of the charset for CFF, glyph indices for TrueType."""
+    from fontTools import subset, ttLib
+
+    font = ttLib.TTFont(path, fontNumber=0)
+    names = font.getBestCmap()
+    options = subset.Options(layout_features=[], name_IDs=[], notdef_outline=True)
+    options.drop_tables += ["GSUB", "GPOS", "GDEF", "BASE", "VORG", "vmtx", "vhea"]
+    cutter = subset.Subsetter(options)
+    cutter.populate(glyphs=[names[ord(c)] for c in characters])
+    cutter.subset(font)
+    file = io.BytesIO()
+    font.save(file)
+    scale = 1000 / font["head"].unitsPerEm
+    numbers = {}
+    for c in characters:
+        name = names[ord(c)]
+        numbers[c] = (int(name[len("cid"):]) if is_cff else font.getGlyphID(name),
+                      round(font["hmtx"][name][0] * scale))
+    return ttLib.TTFont(file).reader["CFF "] if is_cff else file.getvalue(), numbers
+
+
+def to_unicode(numbers):
+    """A ToUnicode CMap of codes that are CIDs."""
+    pairs = sorted((cid, ord(c)) for c, (cid, _) in numbers.items())
+    parts = ["/CIDInit /ProcSet findresource begin 12 dict begin begincmap /CMapName /Read def "
+             "/CMapType 2 def 1 begincodespacerange <0000> <FFFF> endcodespacerange"]
+    for i in range(0, len(pairs), 100):
+        block = pairs[i:i + 100]
+        parts += [f"{len(block)} beginbfchar", *(f"<{cid:04X}> <{c:04X}>" for cid, c in block),
+                  "endbfchar"]
+    return stream("\n".join(parts + ["endcmap end end"]).encode("ascii"))
+
+
+def cid_font_objects(name, path, is_cff, characters, first):
+    """({character: (CID, width)}, objects from number `first` on) of a font across and down: these
+    two are the first objects."""
+    program, numbers = cid_font(path, is_cff, characters)
+    base = f"ABCDEF+{name}"
+    kind, key, entries = ("0", "FontFile3", b"/Subtype /CIDFontType0C") if is_cff else \
+        ("2", "FontFile2", b"/Length1 %d" % len(program))
+    widths = " ".join(f"{cid} [{width}]" for cid, width in sorted(numbers.values()) if width != 1000)
+    fonts = [f"<< /Type /Font /Subtype /Type0 /BaseFont /{base} /Encoding /Identity-{direction} "
+             f"/DescendantFonts [{first + 2} 0 R] /ToUnicode {first + 4} 0 R >>".encode("ascii")
+             for direction in "HV"]
+    return numbers, fonts + [
+        f"<< /Type /Font /Subtype /CIDFontType{kind} /BaseFont /{base} /CIDSystemInfo << /Registry "
+        f"(Adobe) /Ordering (Identity) /Supplement 0 >> /FontDescriptor {first + 3} 0 R /DW 1000 "
+        f"/W [{widths}] >>".encode("ascii"),
+        f"<< /Type /FontDescriptor /FontName /{base} /Flags 4 /FontBBox [-1000 -1100 2900 1900] "
+        f"/ItalicAngle 0 /Ascent 880 /Descent -120 /CapHeight 730 /StemV 90 /{key} {first + 5} 0 R "
+        ">>".encode("ascii"),
+        to_unicode(numbers), stream(program, entries)]
+
+
+def japanese_content(chance, fonts, letters, weights, is_vertical):
+    """A page of lines across or down, in paragraphs of one font each, kerned now and then."""
+    parts = ["BT"]
+    for line in range(LINES):
+        if line % 5 == 0:
+            font = chance.randrange(len(fonts))
+            parts.append(f"/{'V' if is_vertical else 'H'}{font} 11 Tf")
+        text = "".join(f"{fonts[font][c][0]:04X}"
+                       for c in chance.choices(letters, weights, k=LINE_CHARACTERS))
+        at = f"{550 - 12.5 * line:.2f} 760" if is_vertical else f"60 {750 - 17.5 * line:.2f}"
+        half = 4 * chance.randrange(4, LINE_CHARACTERS - 4)
+        show = f"<{text}> Tj" if chance.random() < 0.7 else \
+            f"[<{text[:half]}> {chance.choice((250, 500))} <{text[half:]}>] TJ"
+        parts.append(f"1 0 0 1 {at} Tm {show}")
+    return stream("\n".join(parts + ["ET"]).encode("ascii"))
+
+
+def write_japanese_pdf(path, pages):
+    """A document of running Japanese text with a CID-keyed CFF font and a TrueType font, both cut to
+    the 3,500 characters of ASCII, kana and JIS level 1. The last two pages are set vertically."""
+    chance = random.Random(pages)
+    kana, kanji = jis_rows(4, 5), list(jis_rows(16, 47))
+    signs, ascii_letters = jis_rows(1, 1)[1:12], "".join(map(chr, range(33, 127)))
+    chance.shuffle(kanji)  # the commonest first
+    letters = [*kana, *signs, *ascii_letters, *kanji]
+    weights = [5 / len(kana)] * len(kana) + [1 / len(signs)] * len(signs) + \
+        [0.5 / len(ascii_letters)] * len(ascii_letters) + \
+        [0.8 / (i + 20) ** 0.9 for i in range(len(kanji))]
+    objects = [b"<< /Type /Catalog /Pages 2 0 R >>", b""]
+    fonts, entries = [], []
+    for i, (name, file, is_cff) in enumerate((("NotoSerifCJKjp-Regular", NOTO_CJK, True),
+                                              ("IPAMincho", IPA_MINCHO, False))):
+        first = len(objects) + 1
+        numbers, more = cid_font_objects(name, file, is_cff, letters, first)
+        fonts.append(numbers)
+        objects += more
+        entries.append(f"/H{i} {first} 0 R /V{i} {first + 1} 0 R")
+    kids = []
+    for page in range(pages):
+        kids.append(f"{len(objects) + 1} 0 R")
+        objects.append(f"<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Resources << /Font << "
+                       f"{' '.join(entries)} >> >> /Contents {len(objects) + 2} 0 R >>".encode("ascii"))
+        objects.append(japanese_content(chance, fonts, letters, weights, page >= pages - 2))
+    objects[1] = f"<< /Type /Pages /Count {pages} /Kids [{' '.join(kids)}] >>".encode("ascii")
     write_objects(path, objects)

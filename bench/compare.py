@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 """Converts whole documents with norvane and with other converters of PDF to PostScript, and prints
 processor time, peak memory and output bytes, with ratios to norvane's. Documents are those named,
-or made here: one page with at least 1 MB of content, images, text, and 1, 10 and 100 pages to see
-growth."""
+or made here: one page with at least 1 MB of content, images, text in Latin
+and in Japanese, and 1, 10 and 100 pages to see growth."""
 
 import argparse
 import pathlib
@@ -114,6 +114,8 @@ def main():
         text = folder / "text.pdf"
         benchpdf.write_text_pdf(text, 100)
         compare("100 pages of text, Type 1 and TrueType", text, converters, folder)
+        benchpdf.write_japanese_pdf(text, 100)
+        compare("100 pages of Japanese text, CID-keyed CFF and TrueType", text, converters, folder)
         figures = []
         for pages in (1, 10, 100):
             document = folder / f"{pages}.pdf"

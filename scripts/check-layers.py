@@ -29,7 +29,7 @@ LAYERS = [
     ("tests/support", ["tests/support", "sdk/headers", "src", "host", "pdf"], r"g(test|mock)/.*|qpdf/.*|(zlib|jpeglib|openjpeg)\.h"),
     ("tests/unit/app", ["app", "pdf", "host", "sdk/headers", "tests/support"], r"g(test|mock)/.*|nlohmann/.*"),
     ("tests", ["host", "pdf", "sdk/headers", "tests"], r"g(test|mock)/.*|qpdf/.*|(lcms2|zlib|jpeglib|openjpeg)\.h"),
-    ("bench", ["src", "host", "pdf", "sdk/headers", "bench"], r"benchmark/.*|lcms2\.h"),
+    ("bench", ["src", "host", "pdf", "sdk/headers", "bench"], r"benchmark/.*|freetype/.*|lcms2\.h"),
     ("fuzz", ["src", "host", "pdf", "sdk/headers", "fuzz"], r"qpdf/.*"),
     ("examples", ["host", "sdk/headers"], None),
 ]
