@@ -94,8 +94,10 @@ const Type2Glyph& Type2Reader::Read(std::size_t glyph) {
     mHasWidth = false;
     mHasMask = false;
     mX = mY = 0;
+    mStart = {};
     const Step step = Run(mFont.glyphs[glyph], 0);
     TakeWidth(false);
+    EndContour();
     Expect(step == Step::kEnd && mGlyph.width == std::trunc(mGlyph.width) &&
            mDict->nominalWidth == std::trunc(mDict->nominalWidth));
     mGlyph.isWhole = step != Step::kDamaged;
@@ -261,8 +263,10 @@ bool Type2Reader::Hints(std::uint8_t code) {
 
 bool Type2Reader::MoveBy(std::size_t operands, double dx, double dy) {
     Expect(mCount == operands);
+    EndContour();
     mX += dx;
     mY += dy;
+    mStart = {mX, mY};
     mGlyph.segments.push_back({1, true, {mX, mY}});
     return mCount >= operands;
 }

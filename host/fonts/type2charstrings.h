@@ -39,7 +39,8 @@ struct Type2Glyph {
     /// to be trusted.
     bool isWhole = false;
     /// Whether a simpler reader finds the same in it: all operands are integers, none is computed,
-    /// nothing is missing, and each subroutine is short enough to be copied.
+    /// nothing is missing, and each subroutine is short enough to be copied. Contours end where
+    /// they begin, so that one who does not close them strokes them whole.
     bool isPlain = true;
     double width = 0;
     std::vector<Type2Stem> stems;
@@ -73,6 +74,8 @@ private:
 
     void Expect(bool isUsual) { mGlyph.isPlain = mGlyph.isPlain && isUsual; }
 
+    void EndContour() { Expect(mX == mStart[0] && mY == mStart[1]); }
+
     void TakeWidth(bool hasWidth);
     void TakeStems(bool areVertical);
     bool TakeMask(ByteView code, std::size_t& position);
@@ -102,6 +105,7 @@ private:
     std::array<double, 32> mStored{};
     bool mHasWidth = false;
     bool mHasMask = false;
+    std::array<double, 2> mStart{};  ///< of the contour
     double mX = 0;
     double mY = 0;
 };

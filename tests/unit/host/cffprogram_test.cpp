@@ -162,7 +162,8 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& each) { return std::string(each.param.name); });
 
 TEST(CffProgram, HandsPlainCharStringsOverAsTheyAre) {
-    const MadeCff made;
+    MadeCff made;
+    made.locals = {Type2({500, 0, kT2Line, 0, 500, kT2Line, -500, -500, kT2Line, kT2Back})};
     const auto program = OpenBytes(made.Bytes());
     ASSERT_NE(program, nullptr);
     const Collected collected = CharStringsOf(program);
@@ -222,7 +223,7 @@ INSTANTIATE_TEST_SUITE_P(
         SimplifiedCase{"FewOperands", {10, kT2Move, kT2End}, {600, kT2End}}),
     [](const auto& each) { return std::string(each.param.name); });
 
-TEST(CffProgram, KeepsTheStemsOfTheFirstMask) {
+TEST(CffProgram, KeepsTheFirstMask) {
     MadeCff made;
     const std::string start = Type2({10.5, 20, 5, 30, kT2HStem, 7, 8, kT2Mask});
     made.glyphs[1].code =
@@ -230,8 +231,24 @@ TEST(CffProgram, KeepsTheStemsOfTheFirstMask) {
     const auto program = OpenBytes(made.Bytes());
     ASSERT_NE(program, nullptr);
     const std::string code = CharStringsOf(program).codes.at("A");
-    // 600 11 20 hstem 7 8 vstem 10 0 rmoveto 90 90 rlineto endchar
-    EXPECT_EQ(code, "\xF8\xEC\x96\x9F\x01\x92\x93\x03\x95\x8B\x15\xE5\xE5\x05\x0E");
+    // 600 11 20 5 30 hstemhm 7 8 vstemhm hintmask 10 hmoveto 90 90 rlineto -90 -90 rlineto endchar
+    EXPECT_EQ(code,
+              "\xF8\xEC\x96\x9F\x90\xA9\x12\x92\x93\x17\x13\xA0\x95\x16\xE5\xE5\x05\x31\x31\x05"
+              "\x0E");
+}
+
+// A converter that writes no "closepath" would have them stroked open.
+TEST(CffProgram, ClosesContoursByLines) {
+    MadeCff made;
+    made.glyphs[1].code =
+        Type2({5, 5, kT2Move, -107, kT2Call, 5, 5, kT2Move, 10, 0, 10, 10, 0, 10, 2008, kT2End});
+    const auto program = OpenBytes(made.Bytes());
+    ASSERT_NE(program, nullptr);
+    // 600 5 5 rmoveto 500 hlineto 500 vlineto -500 -500 rlineto
+    // 505 505 rmoveto 10 10 10 10 hvcurveto -20 -20 rlineto endchar
+    EXPECT_EQ(CharStringsOf(program).codes.at("A"),
+              "\xF8\xEC\x90\x90\x15\xF8\x88\x06\xF8\x88\x07\xFC\x88\xFC\x88\x05"
+              "\xF8\x8D\xF8\x8D\x15\x95\x95\x95\x95\x1F\x77\x77\x05\x0E");
 }
 
 TEST(CffProgram, ExpandsAccents) {
