@@ -271,8 +271,10 @@ void ContentInterpreter::ShowInvisible(std::string_view codes) {
 void ContentInterpreter::ShowPieces(std::string_view codes,
                                     std::optional<TextRendering> rendering) {
     const TextState& text = Top().text;
-    const bool clips =
-        text.rendering > TextRendering::kInvisible && !Top().isCollapsed && !text.font->type3;
+    const bool isInJob = text.font->isInJob;
+    const bool clips = isInJob && text.rendering > TextRendering::kInvisible &&
+                       !Top().isCollapsed && !text.font->type3;
+    rendering = isInJob ? rendering : std::nullopt;
     while (!codes.empty()) {
         const std::optional<TextPlace> place =
             rendering || clips ? Place(text, mFrame.text.matrix) : std::nullopt;

@@ -17,6 +17,16 @@
 
 namespace VANTIX::PDF {
 
+namespace {
+
+FontOptions FontOptionsOf(const ReaderOptions& options) {
+    FontOptions fonts = options.fonts;
+    fonts.keepsHiddenText = options.keepsHiddenText;
+    return fonts;
+}
+
+}  // namespace
+
 struct PagePlayer::Parts {
     Parts(PdfDocument& theDocument, HOST::Host& host, HOST::BaseConnectionSpace& space,
           const ReaderOptions& theOptions, Diagnostics& diagnostics)
@@ -29,7 +39,7 @@ struct PagePlayer::Parts {
           forms(colorSpaces, reporter),
           shadings(colorSpaces, reporter),
           patterns(colorSpaces, shadings, forms, reporter),
-          fonts(theOptions.fonts, reporter),
+          fonts(FontOptionsOf(theOptions), reporter),
           context{space,
                   colorSpaces,
                   optionalContent,

@@ -91,6 +91,10 @@ public:
     [[nodiscard]] bool HasGlyphOutline(std::uint16_t glyph) const override;
     [[nodiscard]] bool IsSound() const override;
 
+    [[nodiscard]] const CffMatrix& GlyphMatrix(std::uint16_t glyph) const override {
+        return glyph < GlyphCount() ? mFont.fontDicts[mFont.fontDictOf[glyph]].matrix : Matrix();
+    }
+
     void UseGlyph(std::string_view name) override;
     void UseIndex(std::uint16_t glyph) override;
 
@@ -245,8 +249,7 @@ float CffProgramImpl::WidthOfGlyph(std::uint16_t glyph) const {
         return -1.0F;
     }
     const float width = FactsOf(glyph).width;
-    return (mIsConverted ? std::round(width) : width) *
-           mFont.fontDicts[mFont.fontDictOf[glyph]].matrix[0];
+    return (mIsConverted ? std::round(width) : width) * GlyphMatrix(glyph)[0];
 }
 
 bool CffProgramImpl::HasGlyphOutline(std::uint16_t glyph) const {

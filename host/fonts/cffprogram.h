@@ -63,6 +63,9 @@ public:
     /// Whether all of its glyphs can be read, and all of their names written as they are.
     [[nodiscard]] virtual bool IsSound() const = 0;
 
+    /// a b c d e f, from the space of a glyph's charstring to text space.
+    [[nodiscard]] virtual const std::array<float, 6>& GlyphMatrix(std::uint16_t glyph) const = 0;
+
     /// As `UseGlyph` of a name.
     virtual void UseIndex(std::uint16_t glyph) = 0;
     /// Gives the program another name in its Name INDEX.
@@ -74,7 +77,8 @@ public:
     /// Bare CFF with the glyphs that are used under their names, made at the first call and the
     /// same from then on. The whole font where it is too damaged to be cut.
     virtual const std::vector<std::uint8_t>& Data() = 0;
-    /// The whole font, which is not CID-keyed, as a Type 1 program.
+    /// The whole font as a Type 1 program; of a CID-keyed one the first 256 glyphs, whose codes are
+    /// their indices.
     [[nodiscard]] virtual std::vector<std::uint8_t> AsType1() const = 0;
 
     /// How many glyphs are written: those that are used, and glyph 0.

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "host/fonts/cfftotype1.h"
 
+#include <algorithm>
 #include <charconv>
 #include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <tuple>
+#include <utility>
 
 #include "host/fonts/charstringwriter.h"
 #include "host/fonts/eexec.h"
@@ -38,6 +41,51 @@ std::string Entry(const char* key, const float* values, std::int32_t count) {
 
 std::string FontName(const CffTables& font) {
     return font.name.empty() ? "Font" : SanitiseGlyphName(font.name);
+}
+
+/// The glyphs that codes reach, each under a name of its own.
+CffTables Named(const CffTables& font) {
+    CffTables named = font;
+    named.names.resize(std::min<std::size_t>(font.glyphs.Count(), kSimpleCodes));
+    for (std::size_t glyph = 0; glyph < named.names.size(); ++glyph) {
+        named.names[glyph] = glyph == 0 ? ".notdef" : "g" + std::to_string(glyph);
+        named.encoding.at(glyph) = glyph == 0 ? std::string() : named.names[glyph];
+    }
+    return named;
+}
+
+/// Brings a glyph from the units of one font DICT into those of another one. Its hints are lost.
+void Convert(Type2Glyph& glyph, const CffMatrix& from, const CffMatrix& to) {
+    const double area = double{to[0]} * double{to[3]} - double{to[1]} * double{to[2]};
+    glyph.accent.reset();  // its parts have no names
+    if (from == to || area == 0.0) {
+        return;
+    }
+    const auto convert = [&](double x, double y) {
+        const double u =
+            double{from[0]} * x + double{from[2]} * y + double{from[4]} - double{to[4]};
+        const double v =
+            double{from[1]} * x + double{from[3]} * y + double{from[5]} - double{to[5]};
+        return std::pair((double{to[3]} * u - double{to[2]} * v) / area,
+                         (double{to[0]} * v - double{to[1]} * u) / area);
+    };
+    glyph.stems.clear();
+    glyph.width = convert(glyph.width, 0).first - convert(0, 0).first;
+    for (Type2Segment& segment : glyph.segments) {
+        for (std::size_t i = 0; i < 2 * segment.pointCount; i += 2) {
+            std::tie(segment.points.at(i), segment.points.at(i + 1)) =
+                convert(segment.points.at(i), segment.points.at(i + 1));
+        }
+    }
+}
+
+std::string CharString(const CffTables& font, std::size_t index, Type2Reader& reader) {
+    if (!font.isCidKeyed) {
+        return Type1CharString(reader.Read(index));
+    }
+    Type2Glyph glyph = reader.Read(index);
+    Convert(glyph, font.fontDicts[font.fontDictOf[index]].matrix, font.fontDicts[0].matrix);
+    return Type1CharString(glyph);
 }
 
 std::string ClearText(const CffTables& font) {
@@ -84,8 +132,8 @@ std::string PrivateText(const CffTables& font, const GRAPHICS::PrivateValues& hi
         if (font.names[glyph].empty()) {
             continue;
         }
-        const std::string code = EncryptType1(
-            std::string(4, '\0') + Type1CharString(reader.Read(glyph)), kCharStringKey);
+        const std::string code =
+            EncryptType1(std::string(4, '\0') + CharString(font, glyph, reader), kCharStringKey);
         glyphs += '/' + SanitiseGlyphName(font.names[glyph]) + ' ' + std::to_string(code.size()) +
                   " RD " + code + " ND\n";
         ++count;
@@ -102,7 +150,8 @@ std::string PrivateText(const CffTables& font, const GRAPHICS::PrivateValues& hi
 
 }  // namespace
 
-std::vector<std::uint8_t> Type1OfCff(const CffTables& font, const GRAPHICS::PrivateValues& hints) {
+std::vector<std::uint8_t> Type1OfCff(const CffTables& cff, const GRAPHICS::PrivateValues& hints) {
+    const CffTables font = cff.isCidKeyed ? Named(cff) : cff;
     const std::string text =
         ClearText(font) + EncryptType1(std::string(4, '\0') + PrivateText(font, hints), kEexecKey);
     return {text.begin(), text.end()};

@@ -163,6 +163,14 @@ protected:
         return mProgram->WidthOfGlyph(GlyphOf(cid));
     }
 
+    // A glyph is written in the space of its font DICT.
+    std::array<float, 2> Units(std::uint16_t cid) const override {
+        const std::array<float, 6>& matrix = mProgram->GlyphMatrix(GlyphOf(cid));
+        const std::array<float, 2> usual = CIDFont::Units(cid);
+        return {matrix[0] != 0.0F ? 1.0F / matrix[0] : usual[0],
+                matrix[3] != 0.0F ? 1.0F / matrix[3] : usual[1]};
+    }
+
 private:
     static constexpr HandlerMatrix kIdentity{1, 0, 0, 1, 0, 0};
 

@@ -98,7 +98,8 @@ bool CIDFont::GetAdvances(const void* text, std::int32_t length, float* w0, floa
                           std::int32_t* count) const {
     const std::int32_t characters = length / kCodeBytes;
     const auto* codes = static_cast<const std::uint8_t*>(text);
-    if (text == nullptr || characters < 1 || characters > *count || !Deviates(codes, length)) {
+    if (text == nullptr || characters < 1 || characters > *count || !Deviates(codes, length) ||
+        !LeadsOn(codes, length)) {
         return false;
     }
     for (std::int32_t i = 0; i < characters; ++i) {
@@ -119,6 +120,11 @@ GRAPHICS::TEncoding CIDFont::GetEncoding() const {
     return GRAPHICS::TEncoding::kCustom;
 }
 
+std::array<float, 2> CIDFont::Units(std::uint16_t /*glyph*/) const {
+    constexpr float kThousand = 1000.0F;
+    return WrittenCIDFontType() == 2 ? std::array{1.0F, 1.0F} : std::array{kThousand, kThousand};
+}
+
 std::map<std::uint16_t, std::uint16_t> CIDFont::WrittenUnicode() const {
     std::map<std::uint16_t, std::uint16_t> unicode;
     for (const auto& [number, glyph] : mGlyphs) {
@@ -130,15 +136,15 @@ std::map<std::uint16_t, std::uint16_t> CIDFont::WrittenUnicode() const {
 }
 
 void CIDFont::EnumerateVerticalMetrics(GRAPHICS::IVerticalMetricFunctor& functor) const {
-    const float em = WrittenCIDFontType() == 2 ? 1.0F : 1000.0F;
     std::map<std::uint16_t, std::uint16_t> characters;
     for (const auto& [number, glyph] : mGlyphs) {
         characters.emplace(WrittenCode(number), glyph.first);
     }
     for (const auto& [code, number] : characters) {
         const CIDCharacter& character = mCharacters[number];
-        const float values[] = {0.0F, character.verticalAdvance * em, character.originX * em,
-                                character.originY * em};
+        const auto [across, up] = Units(character.glyph);
+        const float values[] = {0.0F, character.verticalAdvance * up, character.originX * across,
+                                character.originY * up};
         if (!functor(code, values)) {
             return;
         }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <compare>
 #include <cstdint>
 #include <map>
@@ -84,8 +85,7 @@ public:
 
     /// BMP characters by code as it is written, ascending.
     [[nodiscard]] std::map<std::uint16_t, std::uint16_t> WrittenUnicode() const;
-    /// A glyph has the metrics of the character that had it first, in the units of the font as it
-    /// is written: thousandths of an em for CIDFontType 0, ems for CIDFontType 2.
+    /// A glyph has the metrics of the character that had it first, in its `Units`.
     void EnumerateVerticalMetrics(GRAPHICS::IVerticalMetricFunctor& functor) const;
 
 protected:
@@ -95,6 +95,10 @@ protected:
     [[nodiscard]] virtual std::uint16_t WrittenCode(std::uint16_t glyph) const = 0;
     /// Its advance there in horizontal writing, in ems; nothing where it is unknown.
     [[nodiscard]] virtual std::optional<float> WrittenWidth(std::uint16_t glyph) const = 0;
+
+    /// Units in an em, across and upwards, of the space in which the glyph is written: by default
+    /// 1000 for CIDFontType 0, and 1 for CIDFontType 2.
+    [[nodiscard]] virtual std::array<float, 2> Units(std::uint16_t glyph) const;
 
     /// The character with a number, or the first one; null where there is none.
     [[nodiscard]] const CIDCharacter* Find(std::uint16_t code) const;

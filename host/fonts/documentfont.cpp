@@ -11,21 +11,35 @@ constexpr std::int32_t kSpaceCode = 32;
 /// How far apart, in ems, the end of a string may be by the font's advances and by the document's.
 constexpr double kMostDeviation = 0.01;
 
+/// Calls `take` with each code, for as long as it answers true; answers whether it did so to the
+/// end.
+template <class Take>
+bool ForEachCode(const std::uint8_t* text, std::int32_t length, std::size_t step,
+                 const Take& take) {
+    for (std::size_t i = 0; i + step <= static_cast<std::size_t>(length); i += step) {
+        if (!take(static_cast<std::uint16_t>(step == 1 ? text[i] : text[i] << 8U | text[i + 1]))) {
+            return false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 bool DocumentFont::Deviates(const std::uint8_t* text, std::int32_t length) const {
-    const std::size_t step = CodeBytes();
     double deviation = 0;
-    for (std::size_t i = 0; i + step <= static_cast<std::size_t>(length); i += step) {
-        const auto code =
-            static_cast<std::uint16_t>(step == 1 ? text[i] : text[i] << 8U | text[i + 1]);
+    const bool areKnown = ForEachCode(text, length, CodeBytes(), [&](std::uint16_t code) {
         const std::optional<float> written = WrittenAdvanceAt(code);
-        if (!written) {
-            return true;
-        }
-        deviation += static_cast<double>(AdvanceAt(code) - *written);
-    }
-    return std::abs(deviation) > kMostDeviation;
+        deviation += static_cast<double>(AdvanceAt(code) - written.value_or(0.0F));
+        return written.has_value();
+    });
+    return !areKnown || std::abs(deviation) > kMostDeviation;
+}
+
+bool DocumentFont::LeadsOn(const std::uint8_t* text, std::int32_t length) const {
+    return ForEachCode(text, length, CodeBytes(), [this](std::uint16_t code) {
+        return IsVertical() ? AdvanceAt(code) <= 0.0F : AdvanceAt(code) >= 0.0F;
+    });
 }
 
 GRAPHICS::TFontType DocumentFont::GetFontType() const {

@@ -68,6 +68,10 @@ protected:
     /// they have to be positioned.
     [[nodiscard]] bool Deviates(const std::uint8_t* text, std::int32_t length) const;
 
+    /// Whether no code leads against its writing direction: an advance of that sign would be taken
+    /// for the mark of a word space.
+    [[nodiscard]] bool LeadsOn(const std::uint8_t* text, std::int32_t length) const;
+
     [[nodiscard]] virtual const FontDescription& Traits() const = 0;
 
 private:

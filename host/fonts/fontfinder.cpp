@@ -13,9 +13,11 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <mutex>
 #include <string_view>
 #include <tuple>
 
+#include "host/fonts/harfbuzz.h"
 #include "host/fonts/standardfonts.h"
 
 namespace VANTIX::HOST {
@@ -69,6 +71,10 @@ std::string_view StandardFontLike(const FontWish& wish) {
     return kStandIns.at(family + style).standard;
 }
 
+std::string GenericFamily(const FontWish& wish) {
+    return wish.isFixedPitch ? "monospace" : (wish.isSerif ? "serif" : "sans-serif");
+}
+
 const FcChar8* Text(const std::string& text) {
     return reinterpret_cast<const FcChar8*>(text.c_str());
 }
@@ -81,12 +87,25 @@ std::string StringOf(const FcPattern* pattern, const char* property) {
     return reinterpret_cast<const char*>(value);
 }
 
+int IntegerOf(const FcPattern* pattern, const char* property, int otherwise) {
+    FcPatternGetInteger(pattern, property, 0, &otherwise);
+    return otherwise;
+}
+
 /// Whether a font is of a kind that can be used: Type 1, CFF, or TrueType with its own outlines.
 bool IsUsable(const FcPattern* pattern) {
     const std::string format = StringOf(pattern, FC_FONTFORMAT);
-    int index = 0;
-    FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
-    return index == 0 && (format == "Type 1" || format == "CFF" || format == "TrueType");
+    return IntegerOf(pattern, FC_INDEX, 0) == 0 &&
+           (format == "Type 1" || format == "CFF" || format == "TrueType");
+}
+
+/// Whether a font is of a kind in which glyphs are found by characters; no instance of a variable
+/// one.
+bool HasCharacters(const FcPattern* pattern) {
+    constexpr int kLastFace = 0xFFFF;
+    const std::string format = StringOf(pattern, FC_FONTFORMAT);
+    const int face = IntegerOf(pattern, FC_INDEX, 0);
+    return face >= 0 && face <= kLastFace && (format == "CFF" || format == "TrueType");
 }
 
 std::vector<std::uint8_t> ReadBytes(const std::string& path) {
@@ -97,6 +116,34 @@ std::vector<std::uint8_t> ReadBytes(const std::string& path) {
         return {};
     }
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/// One face of a collection as a file of its own; empty for one that is not there.
+std::vector<std::uint8_t> FaceOf(const std::vector<std::uint8_t>& collection, int index) {
+    using HARFBUZZ::Blob;
+    using HARFBUZZ::Face;
+    const Blob file(hb_blob_create(reinterpret_cast<const char*>(collection.data()),
+                                   static_cast<unsigned>(collection.size()),
+                                   HB_MEMORY_MODE_READONLY, nullptr, nullptr));
+    const Face face(hb_face_create(file.get(), static_cast<unsigned>(index)));
+    const Face alone(hb_face_builder_create());
+    constexpr unsigned kMostTables = 256;
+    std::array<hb_tag_t, kMostTables> tags{};
+    unsigned count = kMostTables;
+    hb_face_get_table_tags(face.get(), 0, &count, tags.data());
+    for (unsigned i = 0; i < count; ++i) {
+        const Blob table(hb_face_reference_table(face.get(), tags.at(i)));
+        hb_face_builder_add_table(alone.get(), tags.at(i), table.get());
+    }
+    const Blob made(count == 0 ? hb_blob_get_empty() : hb_face_reference_blob(alone.get()));
+    unsigned length = 0;
+    const char* bytes = hb_blob_get_data(made.get(), &length);
+    return {bytes, bytes + length};
+}
+
+bool IsCollection(const std::vector<std::uint8_t>& bytes) {
+    constexpr std::string_view kTag = "ttcf";
+    return bytes.size() >= kTag.size() && std::equal(kTag.begin(), kTag.end(), bytes.begin());
 }
 
 /// What FreeType says of the bytes of a font; false for those that are not usable.
@@ -117,8 +164,8 @@ bool Describe(FoundFont& font, std::string& problem) {
         const char* name = FT_Get_Postscript_Name(face);
         font.isTrueType = format == "TrueType" && hasGlyf;
         font.name = name == nullptr ? "" : name;
-        isUsable = font.isTrueType || format == "Type 1" ||
-                   (format == "CFF" && FT_IS_CID_KEYED(face) == 0);
+        font.isCidKeyed = FT_IS_CID_KEYED(face) != 0;
+        isUsable = font.isTrueType || format == "CFF" || format == "Type 1";
         FT_Done_Face(face);
     }
     FT_Done_FreeType(library);
@@ -128,8 +175,7 @@ bool Describe(FoundFont& font, std::string& problem) {
     return isUsable;
 }
 
-/// The installed fonts as fontconfig lists them for one use: opened each time, since its shared
-/// configuration is not for several threads.
+/// The installed fonts as fontconfig lists them.
 class InstalledFonts {
 public:
     InstalledFonts() : mConfig(FcInitLoadConfigAndFonts()) {}
@@ -152,22 +198,13 @@ public:
         if (mConfig == nullptr) {
             return std::nullopt;
         }
-        const Pattern wanted(FcPatternCreate());
-        FcPatternAddString(wanted.get(), FC_FAMILY, Text(family));
-        FcPatternAddInteger(wanted.get(), FC_WEIGHT,
-                            wish.isBold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
-        FcPatternAddInteger(wanted.get(), FC_SLANT,
-                            wish.isItalic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
-        FcConfigSubstitute(mConfig.get(), wanted.get(), FcMatchPattern);
-        FcDefaultSubstitute(wanted.get());
-        FcResult result = FcResultNoMatch;
-        const FontSet sorted(FcFontSort(mConfig.get(), wanted.get(), FcFalse, nullptr, &result));
+        const FontSet sorted = Sorted({family}, wish, "");
         return sorted == nullptr ? std::nullopt : First(*sorted, false);
     }
 
-    /// The TrueType font that has most of the characters.
-    std::optional<FoundFont> With(const FontWish& wish,
-                                  const std::set<char32_t>& characters) const {
+    /// The font that has most of the characters.
+    std::optional<FoundFont> With(const FontWish& wish, const std::set<char32_t>& characters,
+                                  const std::string& language) const {
         if (mConfig == nullptr || characters.empty()) {
             return std::nullopt;
         }
@@ -175,23 +212,19 @@ public:
         for (const char32_t character : characters) {
             FcCharSetAddChar(wanted.get(), character);
         }
-        const Pattern all(FcPatternCreate());
-        const Objects objects(FcObjectSetBuild(FC_FILE, FC_FONTFORMAT, FC_INDEX, FC_CHARSET,
-                                               FC_WEIGHT, FC_SLANT, FC_SPACING, FC_POSTSCRIPT_NAME,
-                                               nullptr));
-        const List list(FcFontList(mConfig.get(), all.get(), objects.get()));
+        const FontSet sorted = Sorted({wish.name, GenericFamily(wish)}, wish, language);
         std::vector<Candidate> candidates;
-        for (int index = 0; list != nullptr && index < list->nfont; ++index) {
-            const Candidate candidate = Rate(list->fonts[index], wish, *wanted);
+        for (int index = 0; sorted != nullptr && index < sorted->nfont; ++index) {
+            const Candidate candidate = Rate(sorted->fonts[index], wish, *wanted);
             if (2 * std::size_t{candidate.characters} >= characters.size()) {
                 candidates.push_back(candidate);
             }
         }
-        std::sort(candidates.begin(), candidates.end());
+        std::stable_sort(candidates.begin(), candidates.end());
         for (const Candidate& candidate : candidates) {
             std::string problem;
-            std::optional<FoundFont> font = ReadFontFile(candidate.path, problem);
-            if (font && font->isTrueType) {
+            std::optional<FoundFont> font = ReadFontFile(candidate.path, problem, candidate.face);
+            if (font) {
                 return font;
             }
         }
@@ -203,38 +236,55 @@ private:
     using Objects = std::unique_ptr<FcObjectSet, Destroyer<FcObjectSetDestroy>>;
     using List = std::unique_ptr<FcFontSet, Destroyer<FcFontSetDestroy>>;
 
+    /// All fonts, those first that fontconfig takes for most like fonts of these families.
+    FontSet Sorted(const std::vector<std::string>& families, const FontWish& wish,
+                   const std::string& language) const {
+        const Pattern wanted(FcPatternCreate());
+        for (const std::string& family : families) {
+            FcPatternAddString(wanted.get(), FC_FAMILY, Text(family));
+        }
+        if (!language.empty()) {
+            FcPatternAddString(wanted.get(), FC_LANG, Text(language));
+        }
+        FcPatternAddInteger(wanted.get(), FC_WEIGHT,
+                            wish.isBold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
+        FcPatternAddInteger(wanted.get(), FC_SLANT,
+                            wish.isItalic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+        FcConfigSubstitute(mConfig.get(), wanted.get(), FcMatchPattern);
+        FcDefaultSubstitute(wanted.get());
+        FcResult result = FcResultNoMatch;
+        return FontSet(FcFontSort(mConfig.get(), wanted.get(), FcFalse, nullptr, &result));
+    }
+
     /// How well a font fits; those that fit best are least.
     struct Candidate {
         FcChar32 characters = 0;
         int style = 0;  ///< of what is wished for, what it has
         std::string path;
+        int face = 0;
 
         bool operator<(const Candidate& other) const {
-            return std::tuple(other.characters, other.style, std::string_view(path)) <
-                   std::tuple(characters, style, std::string_view(other.path));
+            return std::tie(other.characters, other.style) < std::tie(characters, style);
         }
     };
 
     static Candidate Rate(const FcPattern* pattern, const FontWish& wish, const FcCharSet& wanted) {
         FcCharSet* has = nullptr;
-        if (!IsUsable(pattern) || StringOf(pattern, FC_FONTFORMAT) != "TrueType" ||
+        if (!HasCharacters(pattern) ||
             FcPatternGetCharSet(pattern, FC_CHARSET, 0, &has) != FcResultMatch) {
             return {};
         }
-        const auto value = [&](const char* property, int otherwise) {
-            FcPatternGetInteger(pattern, property, 0, &otherwise);
-            return otherwise;
-        };
         constexpr int kNameCounts = 4;
-        const bool isBold = value(FC_WEIGHT, FC_WEIGHT_REGULAR) >= FC_WEIGHT_DEMIBOLD;
-        const bool isItalic = value(FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN;
-        const bool isFixedPitch = value(FC_SPACING, FC_PROPORTIONAL) == FC_MONO;
+        const bool isBold = IntegerOf(pattern, FC_WEIGHT, FC_WEIGHT_REGULAR) >= FC_WEIGHT_DEMIBOLD;
+        const bool isItalic = IntegerOf(pattern, FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN;
+        const bool isFixedPitch = IntegerOf(pattern, FC_SPACING, FC_PROPORTIONAL) == FC_MONO;
         Candidate candidate;
         candidate.characters = FcCharSetIntersectCount(has, &wanted);
         candidate.style = (isBold == wish.isBold ? 1 : 0) + (isItalic == wish.isItalic ? 1 : 0) +
                           (isFixedPitch == wish.isFixedPitch ? 1 : 0) +
                           (StringOf(pattern, FC_POSTSCRIPT_NAME) == wish.name ? kNameCounts : 0);
         candidate.path = StringOf(pattern, FC_FILE);
+        candidate.face = IntegerOf(pattern, FC_INDEX, 0);
         return candidate;
     }
 
@@ -258,7 +308,7 @@ private:
         for (const std::string& path : paths) {
             std::string problem;
             std::optional<FoundFont> font = ReadFontFile(path, problem);
-            if (font) {
+            if (font && !font->isCidKeyed) {
                 return font;
             }
         }
@@ -268,10 +318,17 @@ private:
     Config mConfig;
 };
 
-}  // namespace
+/// Calls `find` with the installed fonts, which are listed once. Fontconfig is not for several
+/// threads.
+template <class Find>
+std::optional<FoundFont> AmongInstalled(const Find& find) {
+    static std::mutex mutex;
+    const std::scoped_lock lock(mutex);
+    static const InstalledFonts fonts;
+    return find(fonts);
+}
 
-std::optional<FoundFont> FindInstalledFont(const FontWish& wish) {
-    const InstalledFonts fonts;
+std::optional<FoundFont> FindAmong(const InstalledFonts& fonts, const FontWish& wish) {
     if (std::optional<FoundFont> font = fonts.Named(wish.name)) {
         return font;
     }
@@ -283,22 +340,33 @@ std::optional<FoundFont> FindInstalledFont(const FontWish& wish) {
     if (std::optional<FoundFont> font = fonts.Named(std::string(standIn->installed))) {
         return font;
     }
-    const char* family = wish.isFixedPitch ? "monospace" : (wish.isSerif ? "serif" : "sans-serif");
-    return fonts.Like(family, wish);
+    return fonts.Like(GenericFamily(wish), wish);
+}
+
+}  // namespace
+
+std::optional<FoundFont> FindInstalledFont(const FontWish& wish) {
+    return AmongInstalled([&](const InstalledFonts& fonts) { return FindAmong(fonts, wish); });
 }
 
 std::optional<FoundFont> FindInstalledFontWith(const FontWish& wish,
-                                               const std::set<char32_t>& characters) {
-    return InstalledFonts().With(wish, characters);
+                                               const std::set<char32_t>& characters,
+                                               const std::string& language) {
+    return AmongInstalled(
+        [&](const InstalledFonts& fonts) { return fonts.With(wish, characters, language); });
 }
 
-std::optional<FoundFont> ReadFontFile(const std::string& path, std::string& problem) {
+std::optional<FoundFont> ReadFontFile(const std::string& path, std::string& problem, int face) {
     FoundFont font;
     font.path = path;
+    font.face = face;
     font.bytes = ReadBytes(path);
     if (font.bytes.empty()) {
         problem = "it cannot be read";
         return std::nullopt;
+    }
+    if (IsCollection(font.bytes)) {
+        font.bytes = FaceOf(font.bytes, face);
     }
     if (!Describe(font, problem)) {
         return std::nullopt;

@@ -23,9 +23,11 @@ struct FontWish {
 
 struct FoundFont {
     std::string path;
-    std::string name;  ///< its PostScript name
-    std::vector<std::uint8_t> bytes;
-    bool isTrueType = false;  ///< an sfnt with 'glyf'; else Type 1 or CFF
+    std::string name;                 ///< its PostScript name
+    int face = 0;                     ///< in a collection
+    std::vector<std::uint8_t> bytes;  ///< of the face alone
+    bool isTrueType = false;          ///< an sfnt with 'glyf'; else Type 1 or CFF
+    bool isCidKeyed = false;          ///< CFF whose glyphs have no names
 };
 
 /// The installed font (fontconfig) that stands in best for one that a document names and does not
@@ -33,13 +35,15 @@ struct FoundFont {
 /// read.
 NORVANE_HOST_API std::optional<FoundFont> FindInstalledFont(const FontWish& wish);
 
-/// The installed TrueType font that has most of the characters, among equals one of the style that
-/// is wished for. Nothing where none has half of them.
+/// The installed TrueType or OpenType font that has most of the characters, among equals one of the
+/// style and the family that are wished for and of the language ("zh-tw"; empty where it does not
+/// matter). Nothing where none has half of them.
 NORVANE_HOST_API std::optional<FoundFont> FindInstalledFontWith(
-    const FontWish& wish, const std::set<char32_t>& characters);
+    const FontWish& wish, const std::set<char32_t>& characters, const std::string& language);
 
-/// The font in a file that the user names, or nothing, with the reason in `problem`.
+/// The font in a file, or nothing, with the reason in `problem`; in a collection, the one at an
+/// index.
 NORVANE_HOST_API std::optional<FoundFont> ReadFontFile(const std::string& path,
-                                                       std::string& problem);
+                                                       std::string& problem, int face = 0);
 
 }  // namespace VANTIX::HOST

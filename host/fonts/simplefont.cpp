@@ -88,11 +88,11 @@ bool SimpleFont::GetAdvances(const void* text, std::int32_t length, float* w0, f
         return false;
     }
     const auto* codes = static_cast<const std::uint8_t*>(text);
-    if (!Deviates(codes, length)) {
+    if (!Deviates(codes, length) || !LeadsOn(codes, length)) {
         return false;
     }
     for (std::int32_t i = 0; i < length; ++i) {
-        w0[i] = codes[i] == kSpaceCode ? -WidthAt(codes[i]) : WidthAt(codes[i]);
+        w0[i] = codes[i] == kSpaceCode ? -AdvanceAt(codes[i]) : AdvanceAt(codes[i]);
         w1[i] = 0.0F;
     }
     *count = length;

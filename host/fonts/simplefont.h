@@ -19,7 +19,7 @@ inline constexpr std::size_t kSimpleCodes = 256;
 struct SimpleFontDescription : FontDescription {
     /// The name of the glyph at each code, empty where there is none.
     std::array<std::string, kSimpleCodes> encoding;
-    /// Widths by the document, in ems; negative where it gives none.
+    /// Widths by the document, in ems; negative or NaN where it gives none.
     std::array<float, kSimpleCodes> widths{};
 };
 

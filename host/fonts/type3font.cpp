@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "host/fonts/type3font.h"
 
-#include <algorithm>
+#include <cmath>
 #include <exception>
+#include <map>
+#include <optional>
 #include <utility>
 
 #include "core/fonts/ifontancillaries.h"
@@ -70,35 +72,17 @@ private:
     const SimpleFont& mFont;
 };
 
-/// The widths of glyphs in text space.
-class Type3Widths final : public SimpleProgram {
-public:
-    Type3Widths(const std::vector<Type3Glyph>& glyphs, const std::array<float, 6>& matrix)
-        : mGlyphs(glyphs), mMatrix(matrix) {}
-
-    // A glyph that leads away from the line has no advance in the sense of the document.
-    [[nodiscard]] float WidthOf(std::string_view glyph) const override {
-        const auto found =
-            std::find_if(mGlyphs.begin(), mGlyphs.end(),
-                         [glyph](const Type3Glyph& each) { return each.name == glyph; });
-        return found == mGlyphs.end() || mMatrix[1] != 0.0F ? -1.0F : found->width * mMatrix[0];
-    }
-
-    [[nodiscard]] bool HasOutline(std::string_view /*glyph*/) const override { return true; }
-
-private:
-    const std::vector<Type3Glyph>& mGlyphs;
-    const std::array<float, 6>& mMatrix;
-};
-
 class Type3Font final : public SimpleFont {
 public:
     Type3Font(std::vector<Type3Glyph> glyphs, SimpleFontDescription description,
               const std::array<float, 6>& matrix)
         : SimpleFont(GRAPHICS::TFontType::kType3, std::move(description)),
           mGlyphCount(static_cast<std::int32_t>(glyphs.size())),
-          mMatrix{matrix[0], matrix[2], matrix[1], matrix[3], matrix[4], matrix[5]} {
-        TakeWidths(Type3Widths(glyphs, matrix));
+          mMatrix(HandlerMatrixOf(matrix)) {
+        // A glyph that leads away from the line has no advance in the sense of the document.
+        if (matrix[1] == 0.0F) {
+            TakeAdvances(glyphs, matrix[0]);
+        }
         Aggregate(MakeObject<Type3Ancillary>(std::move(glyphs), *this).Get(),
                   GRAPHICS::IID_IT3ANCILLARY);
     }
@@ -109,9 +93,33 @@ public:
 
     std::int32_t GetGlyphCount() const override { return mGlyphCount; }
 
+    /// Mirrored glyphs lead to the left.
+    float AdvanceAt(std::uint16_t code) const override {
+        const float width = Description().widths.at(code);
+        return std::isfinite(width) ? width : mAdvances.at(code).value_or(0.0F);
+    }
+
+    std::optional<float> WrittenAdvanceAt(std::uint16_t code) const override {
+        return mAdvances.at(code);
+    }
+
 private:
+    void TakeAdvances(const std::vector<Type3Glyph>& glyphs, float unit) {
+        std::map<std::string_view, float> widths;
+        for (const Type3Glyph& glyph : glyphs) {
+            widths.emplace(glyph.name, glyph.width * unit);
+        }
+        for (std::size_t code = 0; code < kSimpleCodes; ++code) {
+            const auto found = widths.find(Description().encoding[code]);
+            if (found != widths.end() && std::isfinite(found->second)) {
+                mAdvances[code] = found->second;
+            }
+        }
+    }
+
     std::int32_t mGlyphCount;
-    std::array<float, 6> mMatrix;  // in the order of the handlers
+    HandlerMatrix mMatrix;
+    std::array<std::optional<float>, kSimpleCodes> mAdvances;  ///< as written, in text space
 };
 
 }  // namespace

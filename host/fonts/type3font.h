@@ -24,8 +24,9 @@ struct Type3Glyph {
 };
 
 /// A font that is drawn by `glyphs`, whose names differ. `matrix` (a b c d e f) leads from glyph
-/// space to text space. `description.name` also tells the order in which fonts are downloaded:
-/// those that others show go first.
+/// space to text space, in which `description.widths` are: NaN where the document gives none, and
+/// below 0 what leads to the left. `description.name` also tells the order in which fonts are
+/// downloaded: those that others show go first.
 NORVANE_HOST_API TInterfacePtr<SimpleFont> MakeType3Font(std::vector<Type3Glyph> glyphs,
                                                          SimpleFontDescription description,
                                                          const std::array<float, 6>& matrix);

@@ -62,10 +62,12 @@ GRAPHICS::TEncoding ResidentEncoding(const CompositeDictionary& font) {
 
 std::uint16_t GlyphOf(const CompositeDictionary& font, const FontSource& source, std::uint16_t cid,
                       char32_t character) {
+    const FontProgram& program = *source.program;
     if (!source.isEmbedded) {
-        return source.program->trueType->GlyphOfUnicode(character);
+        const std::uint16_t glyph = program.characters->GlyphOf(character, font.cmap->IsVertical());
+        return program.cff ? program.cff->CidOf(glyph) : glyph;
     }
-    return source.program->trueType ? font.GlyphOf(cid) : cid;
+    return program.trueType ? font.GlyphOf(cid) : cid;
 }
 
 }  // namespace
@@ -80,7 +82,8 @@ CompositeDictionary::CompositeDictionary(const QPDFObjectHandle& dictionary, CMa
     if (object.isDictionary()) {
         cmap = cmaps.Find(Get(dictionary, "/Encoding"));
     }
-    collection = &cmaps.TextsOf(OrderingOf(object, cmap.get()));
+    ordering = OrderingOf(object, cmap.get());
+    collection = &cmaps.TextsOf(ordering);
 }
 
 std::uint16_t CompositeDictionary::GlyphOf(std::uint16_t cid) const {
@@ -106,6 +109,17 @@ std::set<char32_t> CompositeDictionary::CharactersOf(const std::set<CharCode>& c
         }
     }
     return characters;
+}
+
+std::string CompositeDictionary::Language() const {
+    constexpr std::pair<std::string_view, const char*> kLanguages[] = {
+        {"Japan1", "ja"}, {"GB1", "zh-cn"}, {"CNS1", "zh-tw"}, {"Korea1", "ko"}, {"KR", "ko"}};
+    for (const auto& [collectionOf, language] : kLanguages) {
+        if (ordering == collectionOf) {
+            return language;
+        }
+    }
+    return {};
 }
 
 std::set<CharCode> CompositeDictionary::AllCodes() const {

@@ -33,6 +33,8 @@ struct CompositeDictionary {
     [[nodiscard]] char32_t CharacterOf(CharCode code, std::uint16_t cid) const;
     /// The characters that are known of codes.
     [[nodiscard]] std::set<char32_t> CharactersOf(const std::set<CharCode>& codes) const;
+    /// That of its character collection, such as "zh-tw"; empty for others.
+    [[nodiscard]] std::string Language() const;
     /// The codes of one and two bytes that have a CID.
     [[nodiscard]] std::set<CharCode> AllCodes() const;
 
@@ -40,6 +42,7 @@ struct CompositeDictionary {
     std::string encoding;                   ///< name of the CMap, or empty
     std::shared_ptr<const CMap> cmap;       ///< null where there is none
     CodeTexts texts;                        ///< of the document
+    std::string ordering;                   ///< of the character collection; may be empty
     const CodeTexts* collection = nullptr;  ///< by CID; belongs to the CMaps
     CIDMetrics metrics;
     std::vector<std::uint16_t> glyphs;  ///< /CIDToGIDMap; empty for the identity

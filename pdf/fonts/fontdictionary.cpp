@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <limits>
 #include <string_view>
 
 #include "pdf/objects.h"
@@ -120,7 +121,8 @@ void FontDictionary::ReadWidths(const QPDFObjectHandle& dictionary,
     QPDFObjectHandle array = Get(dictionary, "/Widths");
     const bool hasWidths = array.isArray();
     const std::optional<double> missing = NumberOf(Get(descriptor, "/MissingWidth"));
-    widths.fill(hasWidths && missing ? ToFloat(*missing) * kThousandth : -1.0F);
+    widths.fill(hasWidths && missing ? ToFloat(*missing) * kThousandth
+                                     : std::numeric_limits<float>::quiet_NaN());
     if (!hasWidths) {
         return;
     }

@@ -32,7 +32,7 @@ struct FontDictionary {
 
     FontEncoding encoding;
     CodeTexts texts;
-    /// In ems; negative where nothing is said.
+    /// In ems; NaN where nothing is said.
     std::array<float, HOST::kSimpleCodes> widths{};
     std::int32_t firstCode = 0;
     std::int32_t lastCode = 255;

@@ -76,14 +76,20 @@ const FontProgram& FontPrograms::Embedded(const QPDFObjectHandle& stream, const 
     return Open(key, std::move(bytes), name, use);
 }
 
-const FontProgram& FontPrograms::Installed(const HOST::FoundFont& font) {
-    const auto known = mPrograms.find(font.path);
-    return known != mPrograms.end() ? known->second
-                                    : Open(font.path, font.bytes, font.name, FontUse::kSimple);
+const FontProgram& FontPrograms::Installed(const HOST::FoundFont& font, FontUse use) {
+    const bool isShared = font.isTrueType || use == FontUse::kSimple;
+    const std::string key = font.path + ' ' + std::to_string(font.face) + (isShared ? "" : " CIDs");
+    const auto known = mPrograms.find(key);
+    FontProgram& program =
+        known != mPrograms.end() ? known->second : Open(key, font.bytes, font.name, use);
+    if (use == FontUse::kComposite && !program.characters) {
+        program.characters = std::make_shared<HOST::CharacterGlyphs>(font.bytes);
+    }
+    return program;
 }
 
-const FontProgram& FontPrograms::Open(const std::string& key, std::vector<std::uint8_t> bytes,
-                                      const std::string& name, FontUse use) {
+FontProgram& FontPrograms::Open(const std::string& key, std::vector<std::uint8_t> bytes,
+                                const std::string& name, FontUse use) {
     FontProgram program;
     program.name = UniqueName(bytes, name);
     if (bytes.empty()) {
@@ -106,7 +112,8 @@ const FontProgram& FontPrograms::Open(const std::string& key, std::vector<std::u
 }
 
 // At level 3 CFF goes out in binary, and whole: so what must be text, or has flaws that would end a
-// job, becomes Type 1 here, as it does everywhere at level 2.
+// job, becomes Type 1 here, as it does everywhere at level 2. So does a CID-keyed program, which
+// needs names.
 void FontPrograms::OpenCff(std::vector<std::uint8_t> bytes, FontUse use,
                            FontProgram& program) const {
     constexpr std::int32_t kFontSetLevel = 3;
@@ -114,13 +121,11 @@ void FontPrograms::OpenCff(std::vector<std::uint8_t> bytes, FontUse use,
     if (!program.cff || use == FontUse::kComposite) {
         return;
     }
-    if (program.cff->IsCidKeyed()) {
-        program.cff = nullptr;
-        program.problem = "its glyphs have no names";
-    } else if (mOptions.languageLevel < kFontSetLevel) {
+    program.hasNames = !program.cff->IsCidKeyed();
+    if (program.hasNames && mOptions.languageLevel < kFontSetLevel) {
         program.cff->Rename(program.name);
         program.cff->ExpectConversion(true);
-    } else if (mOptions.textOnly || !program.cff->IsSound()) {
+    } else if (!program.hasNames || mOptions.textOnly || !program.cff->IsSound()) {
         program.type1 = HOST::Type1Program::Open(program.cff->AsType1(), program.problem);
         program.cff = nullptr;
     } else {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/fonts/cffprogram.h"
+#include "host/fonts/characterglyphs.h"
 #include "host/fonts/fontfinder.h"
 #include "host/fonts/truetypeprogram.h"
 #include "host/fonts/type1program.h"
@@ -29,6 +30,10 @@ struct FontProgram {
     /// No other font of the interpreter has it: a tag of six letters and what the document says.
     std::string name;
     std::string problem;  ///< why there is none
+    /// False where glyphs are known by codes alone: its own encoding counts, whatever a font says.
+    bool hasNames = true;
+    /// Of an installed one that composite fonts use.
+    std::shared_ptr<const HOST::CharacterGlyphs> characters;
 
     [[nodiscard]] bool IsUsable() const { return type1 || cff || trueType; }
 
@@ -48,14 +53,14 @@ public:
 
     /// The program in a stream of the document, whatever key led there: what it holds tells its
     /// kind. `name` is that of the font, without a tag.
-    /// Fonts of both uses share one in TrueType alone.
+    /// Fonts of both uses share one in TrueType alone, here and below.
     const FontProgram& Embedded(const QPDFObjectHandle& stream, const std::string& name,
                                 FontUse use);
-    const FontProgram& Installed(const HOST::FoundFont& font);
+    const FontProgram& Installed(const HOST::FoundFont& font, FontUse use);
 
 private:
-    const FontProgram& Open(const std::string& key, std::vector<std::uint8_t> bytes,
-                            const std::string& name, FontUse use);
+    FontProgram& Open(const std::string& key, std::vector<std::uint8_t> bytes,
+                      const std::string& name, FontUse use);
     void OpenCff(std::vector<std::uint8_t> bytes, FontUse use, FontProgram& program) const;
     std::string UniqueName(const std::vector<std::uint8_t>& bytes, const std::string& name);
 

@@ -57,10 +57,13 @@ std::string Identity(const HOST::SimpleFontDescription& description) {
     return identity;
 }
 
-/// Bytes of the program that a handler hands over: asked for last, since that finishes it.
-std::uint64_t ProgramSize(HOST::DocumentFont& handler) {
+/// Bytes of the program that a handler hands over as a whole: asked for last, since that finishes
+/// it.
+std::optional<std::uint64_t> ProgramSize(HOST::DocumentFont& handler) {
     const auto* data = FindInterface<GRAPHICS::IFontData>(&handler, GRAPHICS::IID_IFONTDATA);
-    return data == nullptr ? 0 : static_cast<std::uint64_t>(std::max(data->GetSize(), 0));
+    return data == nullptr
+               ? std::nullopt
+               : std::optional(static_cast<std::uint64_t>(std::max(data->GetSize(), 0)));
 }
 
 }  // namespace
@@ -118,6 +121,8 @@ struct Fonts::Parts {
     Font MakeComposite(const Entry& entry, const std::set<CharCode>& codes);
     std::optional<Font> FontOf(const Entry& entry, const Shown& shown);
     void MakeType3(const Entry& entry, Font& font);
+    /// Whether a glyph of the font, which has a handler, is shown by its code.
+    [[nodiscard]] bool IsInJob(const Entry& entry, const Shown& shown) const;
     [[nodiscard]] FontRecord RecordOf(const Entry& entry) const;
     /// What is known of a font once its program is finished.
     static void CompleteRecord(const Font& font, FontRecord& record);
@@ -179,10 +184,14 @@ bool Fonts::Finish(std::string& error) {
         return false;
     }
     std::vector<const Font*> fonts;
+    std::set<std::int32_t> added;
     for (Parts::Entry& entry : parts.entries) {
-        const std::int32_t before = parts.lastSelector;
         entry.font = parts.FontOf(entry, shown);
-        if (parts.lastSelector > before) {
+        if (!entry.font || !entry.font->handler) {
+            continue;
+        }
+        entry.font->isInJob = parts.IsInJob(entry, shown);
+        if (entry.font->isInJob && added.insert(entry.font->selector).second) {
             mBroker->Add(entry.font->handler, entry.font->selector);
             mRecords.push_back(parts.RecordOf(entry));
             fonts.push_back(&*entry.font);
@@ -215,7 +224,8 @@ void Fonts::Parts::ChooseSources(const Shown* shown) {
             const auto codes = CompositeCodesOf(entry, *shown);
             if (!codes.empty()) {
                 entry.source = sources.ChooseForCIDs(entry.composite->descendant,
-                                                     entry.composite->CharactersOf(codes));
+                                                     entry.composite->CharactersOf(codes),
+                                                     entry.composite->Language());
             }
         }
     }
@@ -357,6 +367,17 @@ void Fonts::Parts::MakeType3(const Entry& entry, Font& font) {
     }
 }
 
+bool Fonts::Parts::IsInJob(const Entry& entry, const Shown& shown) const {
+    if (entry.font->type3) {
+        return entry.font->handler->GetGlyphCount() > 0;
+    }
+    if (!shown || options.keepsHiddenText) {
+        return true;
+    }
+    const auto found = shown->find(entry.key);
+    return found == shown->end() || found->second.AreSeen();
+}
+
 FontRecord Fonts::Parts::RecordOf(const Entry& entry) const {
     if (entry.font->type3) {
         return {entry.dictionary->baseFont, "Type3", "Type3", "embedded", {}, 0};
@@ -373,11 +394,12 @@ FontRecord Fonts::Parts::RecordOf(const Entry& entry) const {
     record.source =
         program == nullptr ? "resident" : (entry.source.isEmbedded ? "embedded" : "substituted");
     record.substitute = entry.source.name;
+    record.bytes = program == nullptr ? 0 : program->FileSize();
     return record;
 }
 
 void Fonts::Parts::CompleteRecord(const Font& font, FontRecord& record) {
-    record.bytes = ProgramSize(*font.handler);
+    record.bytes = ProgramSize(*font.handler).value_or(record.bytes);
     if (font.composite != nullptr) {
         record.kindOut = "CIDFontType" + std::to_string(font.composite->WrittenCIDFontType());
         record.isExtractable = IsExtractable(*font.composite);

@@ -35,16 +35,19 @@ struct FontOptions {
     bool textOnly = true;
     /// TrueType fonts may go out as Type 42.
     bool trueType = true;
+    /// Invisible text goes out, too.
+    bool keepsHiddenText = false;
 };
 
 /// One font of the report.
 struct FontRecord {
-    std::string name;         ///< as the document has it
-    std::string kind;         ///< "Type1", "TrueType", …
-    std::string kindOut;      ///< "Type1", "Type42", "FontSet", "Type3" or "CIDFontType0", "…2"
-    std::string source;       ///< "embedded", "substituted" or "resident"
-    std::string substitute;   ///< the font that stands in or is resident
-    std::uint64_t bytes = 0;  ///< of the program as it is handed over
+    std::string name;        ///< as the document has it
+    std::string kind;        ///< "Type1", "TrueType", …
+    std::string kindOut;     ///< "Type1", "Type42", "FontSet", "Type3" or "CIDFontType0", "…2"
+    std::string source;      ///< "embedded", "substituted" or "resident"
+    std::string substitute;  ///< the font that stands in or is resident
+    /// Of the program as it is handed over; as it came where that happens glyph by glyph.
+    std::uint64_t bytes = 0;
     bool isExtractable = false;
 };
 
@@ -64,6 +67,8 @@ struct Font {
     std::int32_t selector = 0;
     /// The interpreter is to have it: advances are the reader's business.
     bool isResident = false;
+    /// False for one of which no glyph is shown by its code: it has advances alone.
+    bool isInJob = true;
     std::shared_ptr<const HOST::SimpleProgram>
         program;                             ///< of a simple one; null for a resident or Type 3 one
     std::shared_ptr<const Type3Font> type3;  ///< null for one of another kind

@@ -29,7 +29,7 @@ std::string LikelyStandardFont(const FontDictionary& font) {
 
 FontSource FontSources::Choose(const FontDictionary& font) {
     FontSource source;
-    if (UseOwn(font, FontUse::kSimple, source) || UseFile(font, source)) {
+    if (UseOwn(font, FontUse::kSimple, source) || UseFile(font, FontUse::kSimple, source)) {
         return source;
     }
     const std::optional<std::string_view> standard = HOST::StandardFontOf(font.name);
@@ -56,16 +56,14 @@ FontSource FontSources::Choose(const FontDictionary& font) {
 }
 
 FontSource FontSources::ChooseForCIDs(const FontDictionary& font,
-                                      const std::set<char32_t>& characters) {
+                                      const std::set<char32_t>& characters,
+                                      const std::string& language) {
     FontSource source;
     if (UseOwn(font, FontUse::kComposite, source) && !source.program->type1) {
         return source;
     }
     source = {};
-    if (UseFile(font, source)) {
-        if (!source.program->trueType) {
-            mBadFile = "--font " + font.name + ": composite fonts take TrueType alone";
-        }
+    if (UseFile(font, FontUse::kComposite, source)) {
         return source;
     }
     const bool isMissing = !QPDFObjectHandle(font.program).isStream();
@@ -75,7 +73,7 @@ FontSource FontSources::ChooseForCIDs(const FontDictionary& font,
     }
     std::string what;
     if (mOptions.missing == MissingFonts::kSubstitute &&
-        UseInstalledWith(font, characters, source)) {
+        UseInstalledWith(font, characters, language, source)) {
         what = source.name + " stands in";
     } else {
         source.name = font.name;
@@ -113,7 +111,7 @@ bool FontSources::UseOwn(const FontDictionary& font, FontUse use, FontSource& so
     return true;
 }
 
-bool FontSources::UseFile(const FontDictionary& font, FontSource& source) {
+bool FontSources::UseFile(const FontDictionary& font, FontUse use, FontSource& source) {
     auto file = mOptions.files.find(font.baseFont);
     file = file == mOptions.files.end() ? mOptions.files.find(font.name) : file;
     if (file == mOptions.files.end()) {
@@ -121,13 +119,17 @@ bool FontSources::UseFile(const FontDictionary& font, FontSource& source) {
     }
     std::string problem;
     const std::optional<HOST::FoundFont> found = HOST::ReadFontFile(file->second, problem);
-    if (found) {
-        const FontProgram& program = mPrograms.Installed(*found);
+    if (found && use == FontUse::kSimple && found->isCidKeyed) {
+        problem = "its glyphs have no names";
+    } else if (found) {
+        const FontProgram& program = mPrograms.Installed(*found, use);
         source.program = &program;
         source.name = found->name;
-        problem = program.problem;
+        problem = program.type1 && use == FontUse::kComposite
+                      ? "composite fonts take TrueType and OpenType alone"
+                      : program.problem;
     }
-    if (!found || !source.program->IsUsable()) {
+    if (!problem.empty() || !source.program->IsUsable()) {
         mBadFile = "--font " + file->first + '=' + file->second + ": " + problem;
         source = {};
         return false;
@@ -140,7 +142,7 @@ bool FontSources::UseInstalled(const FontDictionary& font, FontSource& source) {
     const std::optional<HOST::FoundFont> found = HOST::FindInstalledFont(
         {standard ? std::string(*standard) : font.name, font.isSerif, font.isFixedPitch,
          font.isItalic, font.isBold, font.symbols.isSymbolic && !font.symbols.isNonsymbolic});
-    const FontProgram* program = found ? &mPrograms.Installed(*found) : nullptr;
+    const FontProgram* program = found ? &mPrograms.Installed(*found, FontUse::kSimple) : nullptr;
     if (program == nullptr || !program->IsUsable()) {
         return false;
     }
@@ -156,12 +158,13 @@ bool FontSources::UseInstalled(const FontDictionary& font, FontSource& source) {
 }
 
 bool FontSources::UseInstalledWith(const FontDictionary& font, const std::set<char32_t>& characters,
-                                   FontSource& source) {
+                                   const std::string& language, FontSource& source) {
     const std::optional<HOST::FoundFont> found = HOST::FindInstalledFontWith(
-        {font.name, font.isSerif, font.isFixedPitch, font.isItalic, font.isBold, false},
-        characters);
-    const FontProgram* program = found ? &mPrograms.Installed(*found) : nullptr;
-    if (program == nullptr || !program->trueType) {
+        {font.name, font.isSerif, font.isFixedPitch, font.isItalic, font.isBold, false}, characters,
+        language);
+    const FontProgram* program =
+        found ? &mPrograms.Installed(*found, FontUse::kComposite) : nullptr;
+    if (program == nullptr || !(program->trueType || program->cff)) {
         return false;
     }
     source.program = program;

@@ -31,19 +31,21 @@ public:
 
     FontSource Choose(const FontDictionary& font);
 
-    /// For the descendant of a composite font that shows these characters: a TrueType program, or
-    /// a font that the interpreter is to have.
-    FontSource ChooseForCIDs(const FontDictionary& font, const std::set<char32_t>& characters);
+    /// For the descendant of a composite font that shows these characters, which are of a language
+    /// ("ja", or empty where it is unknown): a TrueType or CFF program, or a font that the
+    /// interpreter is to have.
+    FontSource ChooseForCIDs(const FontDictionary& font, const std::set<char32_t>& characters,
+                             const std::string& language);
 
     /// What ends the run; empty when nothing does.
     [[nodiscard]] std::string Failure() const;
 
 private:
     bool UseOwn(const FontDictionary& font, FontUse use, FontSource& source);
-    bool UseFile(const FontDictionary& font, FontSource& source);
+    bool UseFile(const FontDictionary& font, FontUse use, FontSource& source);
     bool UseInstalled(const FontDictionary& font, FontSource& source);
     bool UseInstalledWith(const FontDictionary& font, const std::set<char32_t>& characters,
-                          FontSource& source);
+                          const std::string& language, FontSource& source);
 
     const FontOptions& mOptions;
     Reporter& mReporter;

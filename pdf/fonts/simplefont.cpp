@@ -50,13 +50,15 @@ std::string GlyphCalled(const HOST::SimpleProgram& program, const std::string& n
 void UseNamedGlyphs(const FontDictionary& font, const FontSource& source, const CodeSet& codes,
                     GlyphNames& encoding) {
     HOST::NamedProgram& program = *source.program->Named();
-    const GlyphNames names = font.encoding.Names(OwnNames(font, source));
+    const bool hasNames = source.program->hasNames;
+    const GlyphNames names =
+        hasNames ? font.encoding.Names(OwnNames(font, source)) : program.Encoding();
     for (std::size_t code = 0; code < names.size(); ++code) {
         if (!codes[code]) {
             continue;
         }
         encoding[code] = GlyphCalled(program, names[code]);
-        if (encoding[code].empty() && HasOwnEncoding(font) &&
+        if (encoding[code].empty() && HasOwnEncoding(font) && hasNames &&
             font.encoding.differences[code].empty()) {
             encoding[code] = GlyphCalled(program, program.Encoding()[code]);
         }
@@ -70,11 +72,7 @@ void UseNamedGlyphs(const FontDictionary& font, const FontSource& source, const 
 /// character, else as the program has it.
 std::string NameFor(const FontDictionary& font, const HOST::TrueTypeProgram& program,
                     std::uint32_t code, const std::string& name, std::uint16_t glyph) {
-    if (!name.empty() && HOST::UnicodeOfGlyphName(name)) {
-        return name;
-    }
-    const auto text = font.texts.find(code);
-    std::string wanted = text == font.texts.end() ? std::string() : GlyphNameOfText(text->second);
+    std::string wanted = TellingName(font, code, name);
     if (wanted.empty()) {
         wanted = program.PostNameOf(glyph);
     }
@@ -99,6 +97,14 @@ void UseTrueTypeGlyphs(const FontDictionary& font, const FontSource& source, con
 }
 
 }  // namespace
+
+std::string TellingName(const FontDictionary& font, std::uint32_t code, const std::string& name) {
+    if (!name.empty() && HOST::UnicodeOfGlyphName(name)) {
+        return name;
+    }
+    const auto text = font.texts.find(code);
+    return text == font.texts.end() ? std::string() : GlyphNameOfText(text->second);
+}
 
 CodeSet DescribedCodes(const FontDictionary& font) {
     CodeSet codes;

@@ -22,6 +22,10 @@ TInterfacePtr<HOST::SimpleFont> MakeSimpleFont(const FontDictionary& font, const
 /// The codes of the font that its dictionary has widths for.
 CodeSet DescribedCodes(const FontDictionary& font);
 
+/// A name that tells the character at a code, by the glyph name of the encoding or by the text of
+/// the document; empty where neither does.
+std::string TellingName(const FontDictionary& font, std::uint32_t code, const std::string& name);
+
 /// Whether every glyph of the encoding has a name that tells its character.
 bool IsExtractable(const HOST::SimpleFontDescription& description);
 

@@ -2,6 +2,7 @@
 #include "pdf/fonts/textscanner.h"
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 
 #include "pdf/fonts/fontdictionary.h"
@@ -22,6 +23,7 @@ enum class TextOperator : std::uint8_t {
     kRestore,
     kState,
     kFont,
+    kRendering,
     kShow,
     kDraw,
     kPattern,
@@ -35,12 +37,13 @@ TextOperator OperatorOf(std::string_view name) {
     };
 
     static constexpr Entry kOperators[] = {
-        {"q", TextOperator::kSave},      {"Q", TextOperator::kRestore},
-        {"'", TextOperator::kShow},      {"\"", TextOperator::kShow},
-        {"Tj", TextOperator::kShow},     {"TJ", TextOperator::kShow},
-        {"Tf", TextOperator::kFont},     {"gs", TextOperator::kState},
-        {"Do", TextOperator::kDraw},     {"scn", TextOperator::kPattern},
-        {"SCN", TextOperator::kPattern}, {"ID", TextOperator::kInlineImage}};
+        {"q", TextOperator::kSave},        {"Q", TextOperator::kRestore},
+        {"'", TextOperator::kShow},        {"\"", TextOperator::kShow},
+        {"Tj", TextOperator::kShow},       {"TJ", TextOperator::kShow},
+        {"Tf", TextOperator::kFont},       {"Tr", TextOperator::kRendering},
+        {"gs", TextOperator::kState},      {"Do", TextOperator::kDraw},
+        {"scn", TextOperator::kPattern},   {"SCN", TextOperator::kPattern},
+        {"ID", TextOperator::kInlineImage}};
     for (const Entry& entry : kOperators) {
         if (entry.name == name) {
             return entry.meaning;
@@ -79,7 +82,8 @@ QPDFObjectHandle Find(const QPDFObjectHandle& resources, const char* category,
 
 }  // namespace
 
-void ShownCodes::Add(std::string_view text) {
+void ShownCodes::Add(std::string_view text, bool isSeen) {
+    mAreSeen = mAreSeen || isSeen;
     if (mCMap == nullptr) {
         for (const char code : text) {
             mSimple.set(static_cast<unsigned char>(code));
@@ -98,7 +102,7 @@ std::set<CharCode> ShownCodes::Composite() const {
 }
 
 void TextScanner::ScanPage(QPDFObjectHandle contents, const QPDFObjectHandle& resources) {
-    Frame frame{resources, ++mResourcesIds, nullptr, {}, {}};
+    Frame frame{resources, ++mResourcesIds, {}, {}, {}};
     std::string pending;
     const int count = contents.isArray() ? contents.getArrayNItems() : 1;
     for (int i = 0; i < count; ++i) {
@@ -109,7 +113,7 @@ void TextScanner::ScanPage(QPDFObjectHandle contents, const QPDFObjectHandle& re
 }
 
 void TextScanner::ScanForm(const QPDFObjectHandle& form, const QPDFObjectHandle& resources) {
-    Draw(Frame{resources, ++mResourcesIds, nullptr, {}, {}}, form, nullptr);
+    Draw(Frame{resources, ++mResourcesIds, {}, {}, {}}, form, {});
 }
 
 void TextScanner::Add(Frame& frame, const QPDFObjectHandle& stream, std::string& pending) {
@@ -147,12 +151,12 @@ void TextScanner::Execute(Frame& frame, ContentParser& parser) {
         case TextOperator::kSave:
             mIsComplete = mIsComplete && frame.saved.size() < kMaxSaved;
             if (mIsComplete) {
-                frame.saved.push_back(frame.font);
+                frame.saved.push_back(frame.text);
             }
             return;
         case TextOperator::kRestore:
             if (!frame.saved.empty()) {
-                frame.font = frame.saved.back();
+                frame.text = frame.saved.back();
                 frame.saved.pop_back();
             }
             return;
@@ -160,13 +164,15 @@ void TextScanner::Execute(Frame& frame, ContentParser& parser) {
             return ApplyState(frame, NameAmong(operands));
         case TextOperator::kFont:
             return Select(frame, NameAmong(operands));
+        case TextOperator::kRendering:
+            return SetRendering(frame, operands);
         case TextOperator::kShow:
             return Show(frame, operands);
         case TextOperator::kDraw:
-            return Draw(frame, Find(frame.resources, "/XObject", NameAmong(operands)), frame.font);
+            return Draw(frame, Find(frame.resources, "/XObject", NameAmong(operands)), frame.text);
         case TextOperator::kPattern:
             if (!operands.empty() && operands.back().kind == OperandKind::kName) {
-                Draw(frame, Find(frame.resources, "/Pattern", operands.back().text), nullptr);
+                Draw(frame, Find(frame.resources, "/Pattern", operands.back().text), {});
             }
             return;
         case TextOperator::kInlineImage:
@@ -176,25 +182,34 @@ void TextScanner::Execute(Frame& frame, ContentParser& parser) {
 }
 
 void TextScanner::Show(Frame& frame, const std::vector<Operand>& operands) {
-    if (frame.font == nullptr) {
+    if (frame.text.font == nullptr) {
         return;
     }
     std::string codes;
     for (const Operand& operand : operands) {
         AppendString(operand, codes);
     }
-    frame.font->Add(codes);
+    frame.text.font->Add(codes, !frame.text.isHidden);
+}
+
+void TextScanner::SetRendering(Frame& frame, const std::vector<Operand>& operands) {
+    constexpr double kInvisible = 3.0;
+    constexpr double kLast = 7.0;
+    const bool isNumber = !operands.empty() && operands.back().kind == OperandKind::kNumber;
+    if (isNumber && operands.back().number >= 0.0 && operands.back().number <= kLast) {
+        frame.text.isHidden = std::floor(operands.back().number) == kInvisible;
+    }
 }
 
 void TextScanner::Select(Frame& frame, std::string_view name) {
     const auto known = frame.fonts.find(name);
     if (known != frame.fonts.end()) {
-        frame.font = known->second;
+        frame.text.font = known->second;
         return;
     }
     const QPDFObjectHandle font = Find(frame.resources, "/Font", name);
-    frame.font = SetOf(font);
-    frame.fonts.emplace(name, frame.font);
+    frame.text.font = SetOf(font);
+    frame.fonts.emplace(name, frame.text.font);
     if (NameOf(Get(font, "/Subtype")) == "Type3") {
         DrawGlyphs(frame, font);
     }
@@ -207,9 +222,9 @@ void TextScanner::DrawGlyphs(const Frame& outer, const QPDFObjectHandle& font) {
     if (!glyphs.isDictionary() || !mType3.insert(FontKey(font)).second) {
         return;
     }
-    const Frame frame{IsNull(own) ? outer.resources : own, ++mResourcesIds, nullptr, {}, {}};
+    const Frame frame{IsNull(own) ? outer.resources : own, ++mResourcesIds, {}, {}, {}};
     for (const auto& glyph : glyphs.getDictAsMap()) {
-        Draw(frame, glyph.second, nullptr);
+        Draw(frame, glyph.second, {});
     }
 }
 
@@ -217,9 +232,9 @@ void TextScanner::ApplyState(Frame& frame, std::string_view name) {
     const QPDFObjectHandle state = Find(frame.resources, "/ExtGState", name);
     QPDFObjectHandle font = Get(state, "/Font");
     if (font.isArray() && font.getArrayNItems() > 0) {
-        frame.font = SetOf(font.getArrayItem(0));
+        frame.text.font = SetOf(font.getArrayItem(0));
     }
-    Draw(frame, Get(Get(state, "/SMask"), "/G"), nullptr);
+    Draw(frame, Get(Get(state, "/SMask"), "/G"), {});
 }
 
 ShownCodes* TextScanner::SetOf(const QPDFObjectHandle& font) {
@@ -230,17 +245,17 @@ ShownCodes* TextScanner::SetOf(const QPDFObjectHandle& font) {
     return &mShown.try_emplace(key, mCMapOf ? mCMapOf(key) : nullptr).first->second;
 }
 
-void TextScanner::Draw(const Frame& outer, const QPDFObjectHandle& stream, ShownCodes* font) {
+void TextScanner::Draw(const Frame& outer, const QPDFObjectHandle& stream, const Text& text) {
     QPDFObjectHandle object = stream;
     if (!object.isStream() || NameOf(Get(object, "/Subtype")) == "Image" || mDepth >= kMaxDepth) {
         return;
     }
     QPDFObjectHandle resources = Get(object, "/Resources");
     const bool hasOwn = resources.isDictionary();
-    Frame frame{hasOwn ? resources : outer.resources, hasOwn ? 0 : outer.resourcesId, font, {}, {}};
+    Frame frame{hasOwn ? resources : outer.resources, hasOwn ? 0 : outer.resourcesId, text, {}, {}};
     if (mDrawn.size() >= kMaxDrawn) {
         mIsComplete = false;
-    } else if (mDrawn.emplace(object.getObjGen(), frame.resourcesId, font).second) {
+    } else if (mDrawn.emplace(object.getObjGen(), frame.resourcesId, text).second) {
         // Numbered anew for what is drawn in it and has none of its own.
         frame.resourcesId = hasOwn ? ++mResourcesIds : frame.resourcesId;
         const Nesting nesting(mDepth);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bitset>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -28,7 +29,8 @@ public:
     /// `cmap` (borrowed) parts the text of a composite font into codes; null for a simple one.
     explicit ShownCodes(const CMap* cmap) : mCMap(cmap) {}
 
-    void Add(std::string_view text);
+    /// `isSeen` is false for invisible text.
+    void Add(std::string_view text, bool isSeen);
 
     /// Of a simple font.
     [[nodiscard]] const CodeSet& Simple() const { return mSimple; }
@@ -36,8 +38,12 @@ public:
     /// Of a composite font.
     [[nodiscard]] std::set<CharCode> Composite() const;
 
+    /// Whether any is shown otherwise than invisible.
+    [[nodiscard]] bool AreSeen() const { return mAreSeen; }
+
 private:
     const CMap* mCMap;
+    bool mAreSeen = false;
     CodeSet mSimple;
     std::unordered_set<CharCode, CharCodeHash> mComposite;
 };
@@ -63,12 +69,21 @@ public:
     [[nodiscard]] const std::map<std::string, ShownCodes>& Shown() const { return mShown; }
 
 private:
+    /// What of the graphics state counts.
+    struct Text {
+        ShownCodes* font = nullptr;
+        bool isHidden = false;
+
+        // NOLINTNEXTLINE(modernize-use-nullptr): it sees what the operator expands to
+        auto operator<=>(const Text&) const = default;
+    };
+
     /// One stream of content, or several that make one.
     struct Frame {
         QPDFObjectHandle resources;
         std::size_t resourcesId = 0;  ///< tells direct resource dictionaries apart
-        ShownCodes* font = nullptr;
-        std::vector<ShownCodes*> saved;
+        Text text;
+        std::vector<Text> saved;
         std::map<std::string, ShownCodes*, std::less<>> fonts;  ///< by their names in the content
     };
 
@@ -78,8 +93,9 @@ private:
     static void Show(Frame& frame, const std::vector<Operand>& operands);
     void Select(Frame& frame, std::string_view name);
     void ApplyState(Frame& frame, std::string_view name);
-    /// A form, or the cell of a pattern, where `stream` is one; `font` is current in it.
-    void Draw(const Frame& outer, const QPDFObjectHandle& stream, ShownCodes* font);
+    static void SetRendering(Frame& frame, const std::vector<Operand>& operands);
+    /// A form, or the cell of a pattern, where `stream` is one, which starts with `text`.
+    void Draw(const Frame& outer, const QPDFObjectHandle& stream, const Text& text);
     void DrawGlyphs(const Frame& outer, const QPDFObjectHandle& font);
     ShownCodes* SetOf(const QPDFObjectHandle& font);
 
@@ -88,7 +104,7 @@ private:
 
     CMapOfFont mCMapOf;
     std::map<std::string, ShownCodes> mShown;
-    std::set<std::tuple<QPDFObjGen, std::size_t, const ShownCodes*>> mDrawn;
+    std::set<std::tuple<QPDFObjGen, std::size_t, Text>> mDrawn;
     std::set<std::string> mType3;  ///< fonts whose glyphs were read
     std::size_t mDepth = 0;
     std::size_t mResourcesIds = 0;

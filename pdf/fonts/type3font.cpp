@@ -2,10 +2,12 @@
 #include "pdf/fonts/type3font.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <utility>
 #include <vector>
 
+#include "pdf/fonts/simplefont.h"
 #include "pdf/forms.h"
 #include "pdf/objects.h"
 
@@ -221,6 +223,40 @@ std::shared_ptr<const Type3Font> Type3Fonts::ReadNew(const QPDFObjectHandle& dic
     return font;
 }
 
+namespace {
+
+/// Names the glyphs of a font so that they tell their characters, where that is known.
+class GlyphNaming {
+public:
+    GlyphNaming(const Type3Font& font, const FontDictionary& dictionary) : mDictionary(dictionary) {
+        for (const auto& [name, glyph] : font.glyphs) {
+            mOwn.emplace(&glyph, name);
+            mTaken.insert(name);
+        }
+    }
+
+    /// The name of a glyph of the font that is shown by a code, and whether it is new.
+    std::pair<std::string, bool> NameAt(std::size_t code, const GlyphDescription* glyph) {
+        const auto [known, isNew] = mGiven.try_emplace(glyph, mOwn.at(glyph));
+        if (isNew) {
+            const std::string telling =
+                TellingName(mDictionary, static_cast<std::uint32_t>(code), known->second);
+            if (!telling.empty() && mTaken.insert(telling).second) {
+                known->second = telling;
+            }
+        }
+        return {known->second, isNew};
+    }
+
+private:
+    const FontDictionary& mDictionary;
+    std::map<const GlyphDescription*, std::string> mOwn;
+    std::map<const GlyphDescription*, std::string> mGiven;
+    std::set<std::string> mTaken;
+};
+
+}  // namespace
+
 TInterfacePtr<HOST::SimpleFont> MakeType3Font(const std::shared_ptr<const Type3Font>& font,
                                               const FontDictionary& dictionary,
                                               std::int32_t selector, const GlyphPlayer& player) {
@@ -234,27 +270,26 @@ TInterfacePtr<HOST::SimpleFont> MakeType3Font(const std::shared_ptr<const Type3F
     description.selector = selector;
     description.isFixedPitch = dictionary.isFixedPitch;
     std::vector<HOST::Type3Glyph> glyphs;
-    std::set<const GlyphDescription*> taken;
+    GlyphNaming naming(*font, dictionary);
     for (std::size_t code = 0; code < HOST::kSimpleCodes; ++code) {
         // Widths of the dictionary are given as of a glyph space of thousandths.
         const float given = dictionary.widths[code];
         const GlyphDescription* glyph = font->byCode[code];
-        description.widths[code] = given < 0.0F ? -1.0F : given * 1000.0F * matrix[0];
+        description.widths[code] = given * 1000.0F * matrix[0];
         if (glyph == nullptr) {
             continue;
         }
-        const float width = given < 0.0F ? glyph->width : given * 1000.0F;
+        const float width = std::isnan(given) ? glyph->width : given * 1000.0F;
         if (glyph->isPlayed) {
             description.widths[code] = width * matrix[0];
             continue;
         }
-        const auto found = std::find_if(font->glyphs.begin(), font->glyphs.end(),
-                                        [&](const auto& each) { return &each.second == glyph; });
-        description.encoding[code] = found->first;
-        if (taken.insert(glyph).second) {
+        const auto [glyphName, isNew] = naming.NameAt(code, glyph);
+        description.encoding[code] = glyphName;
+        if (isNew) {
             const auto box = BoxOf(glyph->box);
             glyphs.push_back(
-                {found->first, width, box.value_or(glyph->box), glyph->isColoured || !box,
+                {glyphName, width, box.value_or(glyph->box), glyph->isColoured || !box,
                  [font, glyph, player](auto& recording) { player(*font, *glyph, recording); }});
         }
     }

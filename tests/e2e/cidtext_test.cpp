@@ -2,6 +2,7 @@
 // Text in composite fonts of CFF programs.
 #include <gtest/gtest.h>
 
+#include "e2e/distilled.h"
 #include "e2e/pdftext.h"
 #include "e2e/tool.h"
 #include "support/ghostscriptpages.h"
@@ -16,6 +17,7 @@ struct CidCase {
     const char* name;
     std::string (*program)();
     const char* codes;
+    bool isVertical = false;
 };
 
 void PrintTo(const CidCase& each, std::ostream* out) {
@@ -62,6 +64,8 @@ const CidCase kCases[] = {
     {"OpenType", Installed, "002200230024004500460047"},
     {"CidKeyed", CidKeyed, "03E807D00BB803E8"},
     {"Fractional", Fractional, "00010001"},
+    {"OpenTypeVertical", Installed, "0022002300240025", true},
+    {"CidKeyedVertical", CidKeyed, "03E807D003E80BB803E8", true},
 };
 
 class CidText : public testing::TestWithParam<std::tuple<CidCase, int>> {};
@@ -73,28 +77,34 @@ TEST_P(CidText, LooksLikeThePdf) {
     const std::string output = folder.File("text.ps");
     const std::string widths =
         each.program == CidKeyed ? "/DW 600 /W [1000 [1200] 2000 [700] 3000 [333]]" : "/DW 620";
+    // One of its glyphs leads upwards, against the line.
+    const std::string lines = " /DW2 [700 -800] /W2 [2000 [300 100 500] 35 [-900 200 800]]";
     WriteFile(
         pdf,
-        PageOf(std::string("BT /F 40 Tf 10 30 Td <") + each.codes + "> Tj ET",
+        PageOf(std::string("BT /F 40 Tf ") + (each.isVertical ? "30 170" : "10 30") + " Td <" +
+                   each.codes + "> Tj 60 0 Td 2 Tc <" + each.codes + "> Tj ET",
                "/Font << /F 5 0 R >>",
-               {"<< /Type /Font /Subtype /Type0 /BaseFont /Made /Encoding /Identity-H "
-                "/DescendantFonts [6 0 R] >>",
+               {std::string("<< /Type /Font /Subtype /Type0 /BaseFont /Made /Encoding /Identity-") +
+                    (each.isVertical ? "V" : "H") + " /DescendantFonts [6 0 R] >>",
                 "<< /Type /Font /Subtype /CIDFontType0 /BaseFont /Made /CIDSystemInfo << "
                 "/Registry (Adobe) /Ordering (Identity) /Supplement 0 >> /FontDescriptor 7 "
                 "0 R " +
-                    widths + " >>",
+                    widths + lines + " >>",
                 "<< /Type /FontDescriptor /FontName /Made /Flags 4 /FontBBox [0 0 1000 1000] "
                 "/ItalicAngle 0 /Ascent 800 /Descent -200 /CapHeight 700 /StemV 80 "
                 "/FontFile3 8 0 R >>",
                 StreamOf(each.program(), each.program == Installed ? "/Subtype /OpenType"
                                                                    : "/Subtype /CIDFontType0C")},
-               "/MediaBox [0 0 220 90]"));
+               "/MediaBox [0 0 220 190]"));
     const ChildResult run = RunTool({pdf, output, "--level", std::to_string(level)});
     ASSERT_EQ(run.exitStatus, kDone) << run.errors;
     EXPECT_EQ(run.errors, "");
+    // Raster devices do not shift the origins of vertical text: a distiller does.
+    const std::string distilled = folder.File("distilled.pdf");
+    Distil(output, distilled);
     GhostscriptOptions options;
     options.resolution = 144;
-    const auto drawn = DrawPages(output, options);
+    const auto drawn = DrawPages(each.isVertical ? distilled : output, options);
     const auto reference = DrawPages(pdf, options);
     EXPECT_EQ(drawn.complaint, "");
     ASSERT_EQ(drawn.pages.size(), 1U);

@@ -182,6 +182,44 @@ TEST(MissingCompositeFont, HasASubstituteWithItsCharacters) {
     EXPECT_LE(Compare(drawn.pages[0], reference.pages[0]).mean, 4.0);
 }
 
+// The full stop stands in the upper right of its square, not in the lower left.
+TEST(MissingCompositeFont, HasVerticalFormsOfASubstitute) {
+    const TemporaryFolder folder;
+    const std::string pdf = folder.File("missing.pdf");
+    const std::string output = folder.File("missing.ps");
+    const std::string distilled = folder.File("distilled.pdf");
+    WriteFile(pdf,
+              PageOf("BT /F 80 Tf 50 90 Td <3002> Tj ET", "/Font << /F 5 0 R >>",
+                     {"<< /Type /Font /Subtype /Type0 /BaseFont /Nobodys-UniJIS-UTF16-V "
+                      "/Encoding /UniJIS-UTF16-V /DescendantFonts [6 0 R] >>",
+                      "<< /Type /Font /Subtype /CIDFontType0 /BaseFont /Nobodys /FontDescriptor "
+                      "7 0 R /CIDSystemInfo << /Registry (Adobe) /Ordering (Japan1) "
+                      "/Supplement 6 >> >>",
+                      "<< /Type /FontDescriptor /FontName /Nobodys /Flags 4 >>"}));
+    for (const char* level : {"2", "3"}) {
+        const ChildResult run = RunTool({pdf, output, "--level", level});
+        ASSERT_EQ(run.exitStatus, kDone);
+        if (run.errors.find("stands in") == std::string::npos) {
+            GTEST_SKIP() << "no CMaps, or no fonts with Japanese characters are installed";
+        }
+        Distil(output, distilled);
+        EXPECT_EQ(WordsOf(distilled), "\u3002 ");
+        const auto drawn = DrawPages(distilled, {});
+        EXPECT_EQ(drawn.complaint, "");
+        ASSERT_EQ(drawn.pages.size(), 1U);
+        std::size_t inside = 0;
+        std::size_t outside = 0;
+        for (int y = 0; y < 100; ++y) {
+            for (int x = 0; x < 100; ++x) {
+                const bool isInside = x >= 50 && y >= 10 && y < 50;
+                (isInside ? inside : outside) += drawn.pages[0].At(x, y, 0) < 128 ? 1 : 0;
+            }
+        }
+        EXPECT_GT(inside, 50U);
+        EXPECT_EQ(outside, 0U);
+    }
+}
+
 TEST(BadCompositeFont, LeavesTheRestInPlace) {
     const struct {
         CompositeCase font;

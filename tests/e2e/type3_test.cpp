@@ -2,6 +2,7 @@
 // Type 3 fonts: what their glyphs draw, and where it comes out.
 #include <gtest/gtest.h>
 
+#include "e2e/distilled.h"
 #include "e2e/pdftext.h"
 #include "e2e/tool.h"
 #include "support/ghostscriptpages.h"
@@ -118,6 +119,7 @@ TEST_P(Type3, LooksLikeThePdf) {
     ASSERT_EQ(run.exitStatus, kDone);
     EXPECT_EQ(run.errors, "");
     EXPECT_EQ(ReadFile(mOutput).find("\n/a {") != std::string::npos, glyph.isRecorded);
+    EXPECT_EQ(ReadFile(mOutput).find("/FontType 3") != std::string::npos, glyph.isRecorded);
     GhostscriptOptions options;
     options.resolution = 144;
     const auto drawn = DrawPages(mOutput, options);
@@ -144,6 +146,54 @@ INSTANTIATE_TEST_SUITE_P(Glyphs, Type3,
                              return std::get<0>(one.param).name +
                                     ("Level" + std::to_string(std::get<1>(one.param)));
                          });
+
+// A mirrored glyph space leads to the left, as a mirrored text space does: interpreters of
+// documents do not agree on it.
+TEST(MirroredType3, LeadsToTheLeft) {
+    const TemporaryFolder folder;
+    const std::string pdf = folder.File("page.pdf");
+    const std::string output = folder.File("page.ps");
+    for (const std::string glyph :
+         {kU + "100 0 m 900 0 l 900 800 l f", kC + "0 1 0 rg 100 0 m 900 0 l 900 800 l f"}) {
+        WriteFile(pdf, PageWith({"", glyph, "BT /F 30 Tf -1 0 0 1 80 50 Tm (aa) Tj ET"}));
+        const auto reference = DrawPages(pdf, {});
+        WriteFile(pdf, PageWith({"", glyph, "BT /F 30 Tf 80 50 Td (aa) Tj ET",
+                                 "/FontMatrix [-.001 0 0 .001 0 0] /FontBBox [0 0 1000 1000]"}));
+        ASSERT_EQ(RunTool({pdf, output}).exitStatus, kDone);
+        const auto drawn = DrawPages(output, {});
+        ASSERT_EQ(reference.pages.size(), 1U);
+        ASSERT_EQ(drawn.pages.size(), 1U);
+        const PageDifference difference = Compare(drawn.pages[0], reference.pages[0]);
+        EXPECT_TRUE(difference.IsMatch()) << difference.Describe();
+    }
+}
+
+// The second font has names that tell nothing, and a text for each code.
+TEST(Type3Text, IsFoundInTheDistilledFile) {
+    const std::string font =
+        "<< /Type /Font /Subtype /Type3 /FontMatrix [.001 0 0 .001 0 0] /FontBBox [0 0 600 600] "
+        "/FirstChar 1 /LastChar 3 /Widths [600 600 600] ";
+    const auto named = [&](const std::string& a, const std::string& b, const std::string& more) {
+        return font + "/Encoding << /Differences [1 /" + a + " /" + b +
+               " /space] >> /CharProcs << /" + a + " 7 0 R /" + b + " 7 0 R /space 8 0 R >> " +
+               more + ">>";
+    };
+    const TemporaryFolder folder;
+    const std::string pdf = folder.File("text.pdf");
+    const std::string output = folder.File("text.ps");
+    const std::string distilled = folder.File("distilled.pdf");
+    WriteFile(
+        pdf,
+        PageOf("BT /F 12 Tf 10 70 Td <0102030201> Tj 0 -30 Td /G 12 Tf <0102030201> Tj ET",
+               "/Font << /F 5 0 R /G 6 0 R >>",
+               {named("H", "adieresis", ""), named("g1", "g2", "/ToUnicode 9 0 R "),
+                StreamOf("600 0 0 0 600 600 d1 50 0 500 600 re f"), StreamOf("600 0 0 0 0 0 d1"),
+                StreamOf("1 begincodespacerange <00> <FF> endcodespacerange "
+                         "3 beginbfchar <01> <006F> <02> <03A9> <03> <0020> endbfchar")}));
+    ASSERT_EQ(RunTool({pdf, output}).exitStatus, kDone);
+    Distil(output, distilled);
+    EXPECT_EQ(WordsOf(distilled), "H\u00E4 \u00E4H o\u03A9 \u03A9o ");
+}
 
 TEST(BadType3, LeavesTheRestInPlace) {
     const GlyphCase cases[] = {

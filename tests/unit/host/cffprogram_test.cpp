@@ -300,6 +300,19 @@ TEST(CffProgram, CidKeyedFontHasItsTables) {
     EXPECT_EQ(program->FontDictMatrix(1)[3], 0.001F);
 }
 
+// As a font of one byte a code it has names of its own making, and one matrix for all glyphs.
+TEST(CffProgram, CidKeyedFontBecomesType1) {
+    MadeCff made;
+    made.isCidKeyed = true;
+    made.selection = std::string("\3\0\2\0\0\0\0\2\1\0\5", 11);
+    made.fontDicts = {"", std::string("\x8D\x8B\x8B\x8D\x8B\x8B\x0C\x07")};
+    made.topEntries = std::string("\x1E\xA0\x01\xFF\x8B\x8B\x1E\xA0\x01\xFF\x8B\x8B\x0C\x07");
+    const auto program = OpenBytes(made.Bytes());
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(Measured(Type1Of(*program, "Made"), "Made", {"g1", "g2"}),
+              "600.0\n0.0\n500\n510\n0\n10\n1400.0\n0.0\n600\n640\n0\n40\n");
+}
+
 /// What a host and a plug-in do with a program, whatever it is.
 void UseAll(const Bytes& bytes) {
     std::string problem;

@@ -133,6 +133,23 @@ TEST(CIDFont, AdvancesAreAnsweredWhereTheyMatter) {
     }
 }
 
+// Those of the other sign would be taken for marks of word spaces.
+TEST(CIDFont, AdvancesAgainstTheLineAreNotAnswered) {
+    for (const bool isVertical : {false, true}) {
+        const float on = isVertical ? -0.5F : 0.5F;
+        const auto font = MakeFont(isVertical);
+        for (const float advance : {on, 2 * on, -on}) {
+            font->Add({.glyph = 1, .width = advance, .verticalAdvance = advance});
+        }
+        float w0[2] = {};
+        float w1[2] = {};
+        std::int32_t count = 2;
+        EXPECT_TRUE(font->GetAdvances("\0\1\0\1", 4, w0, w1, &count));
+        EXPECT_FALSE(font->GetAdvances("\0\1\0\2", 4, w0, w1, &count));
+        EXPECT_EQ(font->AdvanceAt(2), -on);
+    }
+}
+
 TEST(CIDFont, VerticalMetricsAreInUnitsOfTheWrittenFont) {
     for (const bool isConverted : {false, true}) {
         const auto font = MakeFont(true, isConverted);

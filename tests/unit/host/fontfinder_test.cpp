@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/fonts/truetypeprogram.h"
+#include "madetruetype.h"
 #include "support/temporaryfolder.h"
 
 namespace VANTIX::HOST {
@@ -52,6 +54,38 @@ TEST(FontFinder, ReadsAFileThatIsNamed) {
     EXPECT_EQ(font->name, "DejaVuSans");
     EXPECT_TRUE(font->isTrueType);
     EXPECT_EQ(font->bytes.size(), std::filesystem::file_size(path));
+}
+
+TEST(FontFinder, TakesAFaceOutOfACollection) {
+    const std::vector<std::vector<std::string>> faces = {
+        {"", TEST::TriangleGlyph(100)}, {"", TEST::TriangleGlyph(100), TEST::TriangleGlyph(200)}};
+    std::string header = "ttcf" + TEST::LongWord(0x10000) + TEST::LongWord(faces.size());
+    std::string files;
+    for (const auto& glyphs : faces) {
+        const std::size_t start = 12 + 4 * faces.size() + files.size();
+        header += TEST::LongWord(start);
+        const auto tables = TEST::MadeTables(glyphs);
+        std::string file = TEST::MakeSfnt(tables);
+        std::size_t offset = 12 + 16 * tables.size();
+        for (std::size_t i = 0; const auto& table : tables) {
+            file.replace(12 + 16 * i++ + 8, 4, TEST::LongWord(start + offset));
+            offset += (table.second.size() + 3) / 4 * 4;
+        }
+        files += file;
+    }
+    const TEST::TemporaryFolder folder;
+    const std::string path = folder.File("two.ttc");
+    TEST::WriteFile(path, header + files);
+    std::string problem;
+    for (int face = 0; face < 2; ++face) {
+        const auto font = ReadFontFile(path, problem, face);
+        ASSERT_TRUE(font) << problem;
+        EXPECT_TRUE(font->isTrueType);
+        const auto program = TrueTypeProgram::Open(font->bytes, problem);
+        ASSERT_NE(program, nullptr) << problem;
+        EXPECT_EQ(program->GlyphCount(), 2U + static_cast<unsigned>(face));
+    }
+    EXPECT_FALSE(ReadFontFile(path, problem, 2));
 }
 
 TEST(FontFinder, SaysWhyAFileIsOfNoUse) {

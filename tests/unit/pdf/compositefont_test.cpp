@@ -7,6 +7,7 @@
 
 #include "core/fonts/ifontancillaries.h"
 #include "pdf/fonts/fonts.h"
+#include "unit/host/madecff.h"
 #include "unit/host/madetruetype.h"
 #include "unit/pdf/pdfplay.h"
 
@@ -185,6 +186,16 @@ TEST(CompositeFonts, OnesOfAProgramAndModeShareAHandler) {
     EXPECT_EQ(record.source, "embedded");
     EXPECT_TRUE(record.isExtractable);
     EXPECT_GT(record.bytes, 0U);
+}
+
+TEST(CompositeFonts, CffProgramsAreReportedAsTheyCame) {
+    const std::vector<std::uint8_t> bytes = TEST::MadeCff().Bytes();
+    PdfText pdf = CompositePage("/F 9 Tf <0001> Tj", {.descriptor = "/FontFile3 13 0 R"});
+    pdf.Stream(13, std::string(bytes.begin(), bytes.end()));
+    PageFonts page(pdf);
+    ASSERT_EQ(page.fonts.Records().size(), 1U);
+    EXPECT_EQ(page.fonts.Records()[0].kindOut, "CIDFontType0");
+    EXPECT_EQ(page.fonts.Records()[0].bytes, bytes.size());
 }
 
 TEST(CompositeFonts, ProgramsAreCutToWhatIsShown) {

@@ -193,6 +193,7 @@ struct CffCase {
     void (*change)(TEST::MadeCff&);
     const char* kindOut;
     const char* warnings = "";
+    const char* glyph = "A";  ///< at code 65
 };
 
 void PrintTo(const CffCase& value, std::ostream* out) {
@@ -219,7 +220,7 @@ TEST_P(CffFonts, GoOutAsTheOutputAllows) {
     EXPECT_EQ(page.Warnings(), each.warnings);
     if (record.source == "embedded") {
         EXPECT_THAT(font->name, testing::MatchesRegex("[A-Z]{6}\\+Made"));
-        EXPECT_EQ(font->simple->Description().encoding[65], "A");
+        EXPECT_EQ(font->simple->Description().encoding[65], each.glyph);
         EXPECT_FLOAT_EQ(font->simple->WidthAt(66), 0.7F);
     }
 }
@@ -236,11 +237,30 @@ INSTANTIATE_TEST_SUITE_P(
                             [](TEST::MadeCff& made) {
                                 made.isCidKeyed = true;
                                 made.fontDicts = {""};
+                                made.selection = std::string(100, '\0');
+                                made.glyphs.resize(67, {7, TEST::Type2({200, TEST::kT2End})});
                             },
-                            "substituted Type1", "font-damaged font-missing "},
+                            "embedded Type1", "", "g65"},
                     CffCase{"CutShort", 3, false, [](TEST::MadeCff& made) { made.cutAt = 100; },
                             "substituted Type1", "font-damaged font-missing "}),
     [](const auto& each) { return std::string(each.param.name); });
+
+TEST(Fonts, InvisibleTextAloneBringsNoFont) {
+    for (const bool keeps : {false, true}) {
+        PdfText pdf = EmbeddingPage("Helvetica");
+        pdf.Stream(4, "q 3 Tr /F 9 Tf (AB) Tj Q q 3.5 Tr /G 9 Tf (A) Tj 1 Tr (A) Tj Q");
+        FontOptions options;
+        options.keepsHiddenText = keeps;
+        PageFonts page(pdf, options);
+        const Font* f = page.Find(20);
+        ASSERT_NE(f, nullptr);
+        EXPECT_GT(f->handler->AdvanceAt(65), 0.5F);
+        EXPECT_EQ(f->isInJob, keeps);
+        EXPECT_EQ(page.fonts.Broker().FindFont("", f->selector, 0) != nullptr, keeps);
+        EXPECT_TRUE(page.Find(21)->isInJob);
+        EXPECT_EQ(page.fonts.Records().size(), keeps ? 2U : 1U);
+    }
+}
 
 TEST(Fonts, BrokenProgramFallsBackWithAWarning) {
     for (const char* bytes : {"", "%!PS-AdobeFont-1.0: X", "\1", "true", "OTTO"}) {
