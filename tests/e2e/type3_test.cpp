@@ -153,7 +153,7 @@ TEST(MirroredType3, LeadsToTheLeft) {
     const TemporaryFolder folder;
     const std::string pdf = folder.File("page.pdf");
     const std::string output = folder.File("page.ps");
-    for (const std::string glyph :
+    for (const std::string& glyph :
          {kU + "100 0 m 900 0 l 900 800 l f", kC + "0 1 0 rg 100 0 m 900 0 l 900 800 l f"}) {
         WriteFile(pdf, PageWith({"", glyph, "BT /F 30 Tf -1 0 0 1 80 50 Tm (aa) Tj ET"}));
         const auto reference = DrawPages(pdf, {});
