@@ -14,6 +14,6 @@ namespace VANTIX::HOST {
 /// read are blank. Of a CID-keyed font, as of a font without names, the first 256 glyphs: their
 /// codes are their indices, whatever CIDs they have, and their units those of the first font DICT,
 /// to which `hints` belong.
-std::vector<std::uint8_t> Type1OfCff(const CffTables& font, const GRAPHICS::PrivateValues& hints);
+std::vector<std::uint8_t> Type1OfCff(const CffTables& cff, const GRAPHICS::PrivateValues& hints);
 
 }  // namespace VANTIX::HOST
