@@ -58,6 +58,11 @@ public:
 
     [[nodiscard]] const GraphicsParameters& Current() const { return mLevels.back(); }
 
+    /// The level that lies `levels` below the one in force; there must be as many.
+    [[nodiscard]] const GraphicsParameters& Below(std::size_t levels) const {
+        return mLevels[mLevels.size() - 1 - levels];
+    }
+
     /// False (nothing pushed) beyond `kMaxLevels`.
     bool Push();
 

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <string>
 #include <system_error>
 
@@ -65,7 +66,7 @@ Status MemoryProvider::Write(const void* buffer, std::size_t length) {
     }
     const auto position = static_cast<std::uint64_t>(mPosition);
     if (!mFile && (length > mSpillBytes || position > mSpillBytes - length) && !Spill()) {
-        return STATUS::kWriteFailed;
+        mSpillBytes = std::numeric_limits<std::size_t>::max();
     }
     if (mFile) {
         return mFile->Write(buffer, length);

@@ -18,7 +18,8 @@ class NORVANE_HOST_API MemoryProvider : public BasicDataProvider<IO::IPacketData
 public:
     static constexpr std::size_t kSpillBytes = std::size_t{16} << 20U;
 
-    /// Moves to a file when it would hold more than `spillBytes`.
+    /// Moves to a file when it would hold more than `spillBytes`; stays in memory when there is
+    /// none to be had.
     explicit MemoryProvider(std::size_t spillBytes = kSpillBytes) : mSpillBytes(spillBytes) {}
 
     /// Answers itself for `IID_IPACKETDATAPROVIDER`.
