@@ -7,6 +7,7 @@
 #include "core/libsupport/abstractio/libutils.h"
 #include "core/libsupport/vlogger/logmessage.h"
 #include "platform/randomsource.h"
+#include "postscriptconnectionspace/postscriptconnectionspace.h"
 #include "postscriptdocument.h"
 
 namespace VANTIX::GRAPHICS {
@@ -106,6 +107,10 @@ Status PostscriptExporter::End() {
     if (document == nullptr) {
         LogError(kModule) << "No document was aggregated to the target connection space. Bad!";
         return STATUS::kOk;
+    }
+    if (auto* drawing = FindInterface<PS::PostScriptConnectionSpace>(
+            space.Get(), CLSID_POSTSCRIPTCONNECTIONSPACE)) {
+        drawing->CloseGroups();
     }
     document->WriteTrailer();
     if (!document->FinishWritingDocument()) {

@@ -76,6 +76,8 @@ bool T3FontBuilder::FindServices() {
     policy->CopyTo(mPolicy);
     if (mPolicy) {
         mPolicy->SetBool(POLICY::kSetDefaultColour, false);
+        // No form can be defined within the procedure of a glyph.
+        mPolicy->SetBool(POLICY::kPdfmarkTransparency, false);
     }
     return true;
 }

@@ -56,7 +56,7 @@ bool IsRegistrationOrNone(IConnectionColorSpace* space) {
            HasSpecialAlternate(separation, COLOR::IID_INONECOLORSPACE);
 }
 
-/// Selects `space` by the name that it got before; false when it has none.
+/// Selects `space` by the name that it got before; false when the current text knows none.
 bool SelectByKeptName(IConnectionColorSpace& space, IPostScriptOutputContext& out) {
     const auto* properties = FindInterface<IO::IKeyedProperties>(&space, IO::IID_IDICTIONARY);
     const char* value = nullptr;
@@ -73,8 +73,7 @@ bool SelectByKeptName(IConnectionColorSpace& space, IPostScriptOutputContext& ou
     }
     std::memcpy(name.Data(), value, length);
     name.Data()[length] = 0;
-    out.SetNamedColorSpace(name.Data());
-    return true;
+    return out.SetNamedColorSpace(name.Data());
 }
 
 template <class Shading, bool (IPostScriptOutputContext::*Write)(Shading*, IConnectionColorSpace*,

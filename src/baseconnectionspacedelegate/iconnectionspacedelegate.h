@@ -32,6 +32,7 @@ enum class TDelegateType : std::int32_t {
     kManagedRGB = 6,
     kCMYK = 7,
     kManagedCMYK = 8,
+    kSoftMask = 9,  ///< as-is, for the content of soft masks
     kAsIs = 10,
     kAsIsProcess = 11,
     kAsIsProcess2 = 12,

@@ -35,7 +35,8 @@ public:
     virtual void SetSeparationColorSpace(const char* name, const char* colorant,
                                          COLOR::ISeparationConnectionColorSpace* space,
                                          bool colourManaged) = 0;
-    virtual void SetNamedColorSpace(const char* name) = 0;
+    /// False where the name was not defined in what is executed before the current text.
+    virtual bool SetNamedColorSpace(const char* name) = 0;
     virtual void SetCalibratedGrayColorSpace(float x, float y, float z) = 0;
     virtual void SetColorSpace(COLOR::IConnectionColorSpace* space,
                                COLOR::TRenderingIntent intent) = 0;

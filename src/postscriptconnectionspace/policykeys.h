@@ -14,6 +14,7 @@ inline constexpr std::int32_t kSetDefaultColour = 106;     ///< bool, by default
 inline constexpr std::int32_t kEmbedProfiles = 107;        ///< bool
 inline constexpr std::int32_t kPromoteGray = 108;          ///< bool
 inline constexpr std::int32_t kOnlyAscii85 = 109;          ///< bool
+inline constexpr std::int32_t kTransparencyWritten = 110;  ///< bool, set by the plug-in itself
 inline constexpr std::int32_t kSoftMasks = 111;            ///< bool
 inline constexpr std::int32_t kTilingFlag = 112;           ///< byte
 inline constexpr std::int32_t kFlipImages = 113;           ///< bool

@@ -15,14 +15,18 @@
 #include "core/graphics/pluginhelper/delegateconnectionspace.h"
 #include "core/io/idictionary.h"
 #include "ifontbuilder.h"
+#include "postscriptconnectionspace/definednames.h"
+#include "postscriptconnectionspace/iformobject.h"
 #include "postscriptconnectionspace/jobfonts.h"
 #include "postscriptconnectionspace/textbuffer.h"
 #include "postscriptdatastream/postscriptstreamstack.h"
 
 namespace VANTIX::PS {
 
+class FormObject;
 class PSTextObject;
 class PostScriptOutputContext;
+class SpaceLink;
 class TilingPatterPSConnectionSpace;
 
 /// What the policy dictionary asks of a job, with the values that hold for absent keys.
@@ -103,6 +107,19 @@ public:
     void SetFlatness(float flatness) override;
     void SelectRenderingIntent(COLOR::TRenderingIntent intent) override;
     void SelectRenderingIntent2(COLOR::TRenderingIntent intent) override;
+    // Groups and soft masks are written where pdfmarks are asked for; else a group is drawn as if
+    // it were none, and the content of a soft mask is left out. Their results are always true.
+    bool BeginTransparencyGroup(const float* bbox, const float* matrix, bool isolated,
+                                bool knockout, COLOR::IConnectionColorSpace* space) override;
+    void EndTransparencyGroup() override;
+    /// What follows is the content of the mask, in colours as they are.
+    bool BeginSoftMask(COLOR::IColorFunction* transfer, const float* matrix, float x0, float y0,
+                       float x1, float y1, COLOR::IConnectionColorSpace* space,
+                       const float* backdrop, std::uint64_t backdropCount, bool isolated,
+                       bool knockout, GRAPHICS::IGraphicsState::TSoftMaskType type) override;
+    /// The mask holds for what follows, until the state's soft-mask holder lets go what it is given
+    /// here.
+    void EndSoftMask() override;
     void DrawImage(GRAPHICS::IRasterComponent* raster, float x, float y, float width,
                    float height) override;
     /// Selects the state's font in the matrix of the text object that is open; before that puts
@@ -127,6 +144,23 @@ public:
               const IO::IDictionary* policy) override;
     void SetGraphicsState(GRAPHICS::IGraphicsState* state) override;
 
+    /// Records what follows as the content of `form`, which its stream holds. 0, `kNoProvider` or
+    /// `kStreamInitFailed` (logged): then nothing has changed.
+    virtual Status PushFormObject(IFormObject& form);
+    /// Ends the newest recording and puts the form's definition into the document body. 0, or the
+    /// status of what is missing (logged): then the recording stays.
+    virtual Status PopFormObject();
+    /// Records what a soft mask applies to.
+    Status BeginMaskedGroup(IFormObject& form);
+    /// Ends that and draws it.
+    void EndMaskedGroup();
+    /// Ends all groups that are open (logged). Soft masks that the host still holds do nothing when
+    /// it lets them go.
+    void CloseGroups();
+
+    /// The names that exist in the document.
+    virtual DefinedNames& Names() { return mNames; }
+
     /// The stream of the document body (borrowed), or null before `Init`.
     virtual IPostScriptDataStream* GetBaseStream();
     virtual void WriteRawData(const void* data, std::int32_t length);
@@ -140,8 +174,10 @@ public:
     virtual void SetTextRenderingColor(GRAPHICS::IGraphicsState::TTextRendering mode);
     /// Notes the name under which the pattern `id` was defined; the first name stays (logged).
     virtual void AddPostScriptColorSpaceResource(ResourceId id, const char* name);
-    /// Borrowed, or null.
+    /// Borrowed, or null where the current text knows none.
     virtual const char* GetPostScriptResourceName(ResourceId id);
+    /// Whether the pattern `id` was defined in some text.
+    [[nodiscard]] virtual bool WasDefined(ResourceId id) const;
     /// Paints the current path in the colour of the graphics state and keeps it.
     virtual void PaintPath(bool fill, bool evenOdd);
 
@@ -202,6 +238,15 @@ protected:
     /// Makes the state's overprint for filling or stroking current.
     virtual void ApplyOverprint(bool fill);
 
+    /// Whether what is drawn may have a colour of its own.
+    [[nodiscard]] virtual bool MaySetColours() const { return true; }
+
+    /// Whether the current stream records a form.
+    [[nodiscard]] bool IsInForm() const { return CurrentForm() != nullptr; }
+
+    /// Ends the newest recording and leaves it out. False when there is none.
+    bool DropForm();
+
     /// The host's front object (borrowed), or null before `Init`.
     [[nodiscard]] GRAPHICS::IBaseConnectionSpace* Base() const { return mBase; }
 
@@ -243,8 +288,45 @@ private:
     };
 
     void ReadPolicy(const IO::IDictionary* policy);
+
+    /// A soft mask whose content is being recorded.
+    struct OpenSoftMask {
+        TInterfacePtr<FormObject> masked;  // keeps the colour delegate of what is around the mask
+        TInterfacePtr<FormObject> group;
+        std::int32_t depth = 0;  // of the groups around it
+    };
+
     TInterfacePtr<RENDERING::IConnectionSpaceDelegate> CreateDelegate(
-        const IO::IDictionary* policy);
+        RENDERING::TDelegateType type, const IO::IDictionary* policy);
+    /// The form that the current stream records (borrowed), or null.
+    [[nodiscard]] IFormObject* CurrentForm() const;
+    /// A stream for a recording with the filters of the current one, or null and why (logged).
+    TInterfacePtr<IPostScriptDataStream> CreateFormStream(Status& status);
+    /// Copies the current recording into the document body as the definition of `form`; false
+    /// (logged) when there is no body.
+    bool WriteDefinition(const IFormObject& form);
+    /// Goes back to the stream below; false (logged) when there is none.
+    bool LeaveForm(bool kept);
+    /// Pops the current form and draws it where that leads.
+    void DrawForm(IFormObject& form);
+    /// The black that the content of a form starts with.
+    void WriteDefaultColour(COLOR::IConnectionColorSpace* space);
+    /// A group or a soft mask has begun, in vain if not `recorded`.
+    void EnterGroup(bool recorded);
+    /// A group or a soft mask has ended; false when it had begun in vain.
+    bool LeaveGroup();
+    /// Forgets groups that are open deeper than `depth`.
+    void LeaveGroupsAbove(std::int32_t depth);
+    /// Draws the forms that are open within `form`; all forms for null.
+    void CloseFormsAbove(const IFormObject* form);
+    /// False (logged) when there are no streams for it.
+    bool RecordSoftMask(IFormObject& masked, IFormObject& group);
+    void FinishSoftMask();
+    /// Puts the delegate of a mask's content in the place of the current one.
+    void UseMaskDelegate(FormObject& keeper);
+    void RestoreDelegate(FormObject& keeper);
+    [[nodiscard]] bool IsMaskContent(const IFormObject* form) const;
+
     void CreateOutputContext(IO::IDataProvider* stream, const IO::IDictionary* policy,
                              RENDERING::IConnectionSpaceDelegate& delegate);
     bool Bless();
@@ -270,6 +352,11 @@ private:
     GRAPHICS::IBaseConnectionSpace* mBase = nullptr;  // uncounted: the aggregation holds it
     std::set<ResourceId> mColorSpaceUses;
     std::map<ResourceId, std::string> mResources;
+    DefinedNames mNames;
+    TInterfacePtr<SpaceLink> mLink;
+    std::vector<OpenSoftMask> mSoftMasks;
+    std::vector<std::int32_t> mVainGroups;  // depths of groups without a recording
+    std::int32_t mOpenForms = 0;
     std::uint32_t mPatternImages = 0;
     Point mCurrent;
     std::vector<TInterfacePtr<PSTextObject>> mTextObjects;

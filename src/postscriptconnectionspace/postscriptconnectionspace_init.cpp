@@ -10,6 +10,8 @@
 #include "postscriptconnectionspace/postscriptconnectionspace.h"
 #include "postscriptconnectionspace/postscriptoutputcontext.h"
 #include "postscriptconnectionspace/pstextobject.h"
+#include "postscriptconnectionspace/softmaskgroup.h"
+#include "postscriptconnectionspace/softmaskmessenger.h"
 
 namespace VANTIX::PS {
 
@@ -51,9 +53,12 @@ IObject* CreatePostScriptConnectionSpace() {
     return new PostScriptConnectionSpace;
 }
 
-PostScriptConnectionSpace::PostScriptConnectionSpace() = default;
+PostScriptConnectionSpace::PostScriptConnectionSpace() : mLink(MakeObject<SpaceLink>()) {
+    mLink->space = this;
+}
 
 PostScriptConnectionSpace::~PostScriptConnectionSpace() {
+    mLink->space = nullptr;
     for (const ResourceId id : mColorSpaceUses) {
         if (const auto space = FindColorSpace(id); KeepsResourceName(space.Get())) {
             space->Disaggregate(IO::IID_IDICTIONARY);
@@ -107,7 +112,7 @@ bool PostScriptConnectionSpace::Init(IO::IDataProvider* stream, IClassFactory* f
         base->SetSeparated();
     }
     ReadPolicy(policy);
-    if (const auto delegate = CreateDelegate(policy); delegate) {
+    if (const auto delegate = CreateDelegate(mPolicy.delegateType, policy); delegate) {
         CreateOutputContext(stream, policy, *delegate);
         Aggregate(delegate.Get(), RENDERING::IID_ICONNECTIONSPACEDELEGATE);
         Aggregate(factory, IID_CLASSFACTORY);
@@ -139,7 +144,7 @@ void PostScriptConnectionSpace::ReadPolicy(const IO::IDictionary* policy) {
 }
 
 TInterfacePtr<RENDERING::IConnectionSpaceDelegate> PostScriptConnectionSpace::CreateDelegate(
-    const IO::IDictionary* policy) {
+    RENDERING::TDelegateType type, const IO::IDictionary* policy) {
     using DelegatePtr = TInterfacePtr<RENDERING::IConnectionSpaceDelegate>;
     const auto maker = CreateObject<RENDERING::IConnectionSpaceDelegateFactory>(
         mFactory, RENDERING::CLSID_CONNECTIONSPACEDELEGATEFACTORY);
@@ -147,15 +152,15 @@ TInterfacePtr<RENDERING::IConnectionSpaceDelegate> PostScriptConnectionSpace::Cr
         LogError(kModule) << "Failed to create IConnectionSpaceDelegate";
         return nullptr;
     }
-    auto delegate = DelegatePtr::Adopt(
-        maker->CreateConnectionSpaceDelegate(*mFactory, mPolicy.delegateType, policy));
+    auto delegate =
+        DelegatePtr::Adopt(maker->CreateConnectionSpaceDelegate(*mFactory, type, policy));
     if (!delegate) {
         LogError(kModule) << "Failed to create default ConnectionSpace Delegate";
         return nullptr;
     }
     if (mPolicy.pdfmarkTransparency) {
         auto wrapper = DelegatePtr::Adopt(RENDERING::CreateJAWSWorkaroundConnectionSpaceDelegate(
-            *mFactory, mStreams, *delegate,
+            *mFactory, mStreams, delegate.Get(),
             FindInterface<IO::IDictionary>(this, IO::IID_IPOSTSCRIPTPOLICYDICT)));
         if (wrapper) {
             return wrapper;
@@ -182,6 +187,7 @@ void PostScriptConnectionSpace::CreateOutputContext(IO::IDataProvider* stream,
     }
     auto context = MakeOutputContext();
     if (context && context->Init(mFactory)) {
+        context->ShareNames(Names());
         delegate.Aggregate(context.Get(), IID_IPOSTSCRIPTOUTPUTCONTEXT);
         mContext = std::move(context);
     }

@@ -95,6 +95,10 @@ void PostScriptConnectionSpace::ApplyCurrentColor(bool fill) {
     const ResourceId id = mGraphicsState->GetColorSpaceID(fill);
     TInterfacePtr<COLOR::IConnectionColorSpace> space = FindColorSpace(id);
     if (FindInterface<IObject>(space.Get(), COLOR::IID_ISHADINGPATTERNCOLORSPACE) != nullptr) {
+        // In a text that does not know it, it is made once more.
+        if (GetPostScriptResourceName(id) == nullptr && WasDefined(id)) {
+            AddColorSpace(space.Get(), id);
+        }
         SetPatternColorSpaceAndColor(nullptr, id, fill);
         return;
     }

@@ -86,15 +86,27 @@ void PostScriptConnectionSpace::RegisterColorSpaceUse(ResourceId id) {
 }
 
 void PostScriptConnectionSpace::AddPostScriptColorSpaceResource(ResourceId id, const char* name) {
-    if (name != nullptr && !mResources.emplace(id, name).second) {
+    if (name == nullptr) {
+        return;
+    }
+    std::string& known = mResources[id];
+    if (!known.empty() && Names().Find(known) != nullptr) {
         LogNotice(kModule) << "PostScript resource already exist, May you are building the same "
                               "resource multiple times.!!!";
+        return;
     }
+    known = name;
+    Names().Define(known);
+}
+
+bool PostScriptConnectionSpace::WasDefined(ResourceId id) const {
+    return mResources.contains(id);
 }
 
 const char* PostScriptConnectionSpace::GetPostScriptResourceName(ResourceId id) {
     const auto found = mResources.find(id);
-    return found == mResources.end() ? nullptr : found->second.c_str();
+    const bool isKnown = found != mResources.end() && Names().Find(found->second) != nullptr;
+    return isKnown ? found->second.c_str() : nullptr;
 }
 
 void PostScriptConnectionSpace::AddColorSpace(COLOR::IConnectionColorSpace* space, ResourceId id) {

@@ -2,12 +2,12 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "core/color/iconnectioncolorspacefactory.h"
 #include "core/color/iink.h"
@@ -15,6 +15,7 @@
 #include "core/io/ioutputfilterstack.h"
 #include "core/object/iclassfactory.h"
 #include "core/object/tobject.h"
+#include "postscriptconnectionspace/definednames.h"
 #include "postscriptconnectionspace/ipostscriptoutputcontext.h"
 #include "postscriptconnectionspace/textbuffer.h"
 #include "postscriptdatastream/postscriptstreamstack.h"
@@ -40,9 +41,17 @@ public:
     /// The stream of the document, whatever is being recorded (borrowed), or null.
     virtual IPostScriptDataStream* GetBaseDataStream();
 
-    /// Saves and restores the mirror without a text, around a recording.
-    void PushState();
-    void PopState();
+    /// The names that exist in the job (borrowed; they must outlive the context). A context begins
+    /// with names of its own.
+    void ShareNames(DefinedNames& names) { mNames = &names; }
+
+    /// A recording begins on the current stream: nothing is known of the state in which it will be
+    /// executed.
+    void BeginRecording();
+    /// Restores what the recording saved and left.
+    void CloseSaves();
+    /// Everything is as it was before the recording.
+    void EndRecording();
 
     void PushOutputFilter(std::int32_t selector) override;
     void PopOutputFilter() override;
@@ -59,7 +68,7 @@ public:
     void SetSeparationColorSpace(const char* name, const char* colorant,
                                  COLOR::ISeparationConnectionColorSpace* space,
                                  bool colourManaged) override;
-    void SetNamedColorSpace(const char* name) override;
+    bool SetNamedColorSpace(const char* name) override;
     void SetCalibratedGrayColorSpace(float x, float y, float z) override;
     void SetColorSpace(COLOR::IConnectionColorSpace* space,
                        COLOR::TRenderingIntent intent) override;
@@ -137,6 +146,9 @@ protected:
     /// The filter stack of the current stream (borrowed), or null.
     [[nodiscard]] IO::IOutputFilterStack* CurrentFilters() const;
 
+    /// Whether the current stream is the first one, outside of all forms.
+    [[nodiscard]] bool IsOnBase() const { return mStreams.Top() == mStreams.Base(); }
+
     /// The filters that image data pass (borrowed), or null.
     [[nodiscard]] virtual IO::IOutputFilterStack* DataFilters() const { return CurrentFilters(); }
 
@@ -161,8 +173,8 @@ protected:
                                      std::int32_t size);
 
 private:
-    using ResourceKey = std::pair<GUID, COLOR::TRenderingIntent>;
-
+    void PushState();
+    void PopState();
     [[nodiscard]] COLOR::TRenderingIntent FirstIntent() const;
     [[nodiscard]] COLOR::TRenderingIntent SecondIntent() const;
     [[nodiscard]] TInterfacePtr<COLOR::IConnectionColorSpaceFactory> CreateColorFactory() const;
@@ -238,8 +250,10 @@ private:
     GRAPHICS::IGraphicsState* mGraphicsState = nullptr;  // the host's, outlives the job
     TInterfacePtr<GRAPHICS::IMutableGraphicsStateStack> mState;
     TextBuffer mText;
-    /// What each resource number stands for since it was defined last.
-    std::map<std::int32_t, ResourceKey> mResources;
+    DefinedNames mOwnNames;
+    DefinedNames* mNames = &mOwnNames;
+    /// Saves that are open in each recording.
+    std::vector<std::int32_t> mSaves;
 };
 
 }  // namespace VANTIX::PS

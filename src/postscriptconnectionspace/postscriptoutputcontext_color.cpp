@@ -164,6 +164,7 @@ void PostScriptOutputContext::SetDeviceNColorSpace(const char* name,
                                                    COLOR::IDeviceNConnectionColorSpace* space,
                                                    bool colourManaged) {
     if (name != nullptr && space != nullptr && SelectSpace(StandardHashie(name))) {
+        mNames->Define(name);
         WriteDeviceNColorSpace(name, *space, true, colourManaged);
     }
 }
@@ -172,17 +173,22 @@ void PostScriptOutputContext::SetSeparationColorSpace(const char* name, const ch
                                                       COLOR::ISeparationConnectionColorSpace* space,
                                                       bool colourManaged) {
     if (name != nullptr && space != nullptr && SelectSpace(StandardHashie(name))) {
+        mNames->Define(name);
         WriteSeparationColorSpace(name, colorant == nullptr ? "" : colorant, *space, true,
                                   colourManaged);
     }
 }
 
-void PostScriptOutputContext::SetNamedColorSpace(const char* name) {
-    if (name != nullptr && SelectSpace(StandardHashie(name))) {
+bool PostScriptOutputContext::SetNamedColorSpace(const char* name) {
+    if (name == nullptr || mNames->Find(name) == nullptr) {
+        return false;
+    }
+    if (SelectSpace(StandardHashie(name))) {
         mText.Clear();
         mText.Format("%s setcolorspace\n", name);
         WriteText(mText.View());
     }
+    return true;
 }
 
 void PostScriptOutputContext::SetColorSpace(COLOR::IConnectionColorSpace* space,

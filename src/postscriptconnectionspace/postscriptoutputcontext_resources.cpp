@@ -65,25 +65,28 @@ void PostScriptOutputContext::GetColorSpaceResourceName(COLOR::IConnectionColorS
     if (space == nullptr) {
         return;
     }
-    const ResourceKey key{space->GetIdentifier(), intent};
+    const DefinedNames::Meaning key{space->GetIdentifier(), static_cast<std::int32_t>(intent)};
     const auto number = static_cast<std::int32_t>(key.first.Data1);
-    char text[256];
+    char resource[32];
+    FormatText(resource, sizeof resource, "GCSA%d", number);
+    if (mNames->IsTaken(resource, key)) {
+        FormatText(resource, sizeof resource, "GCSA%d_%d", number, key.second);
+    }
     // The intents of a space share one name: it stands for what was defined under it last.
-    const auto known = mResources.find(number);
-    if (known == mResources.end() || known->second != key) {
+    const DefinedNames::Meaning* known = mNames->FindLasting(resource);
+    if (known == nullptr || *known != key) {
         const auto provider = CreateObject<IO::IDataProvider>(mFactory, IO::IID_IDATAPROVIDER);
         if (provider == nullptr || CurrentFilters() == nullptr ||
             space->WritePostScriptArray(intent, *provider) != STATUS::kOk) {
             return;
         }
-        FormatText(text, sizeof text, " /GCSA%d ", number);
-        WriteText(text);
+        WriteText(std::string(" /") + resource + " ");
         WriteText(ReadAll(*provider));
         WriteText("def\n");
-        mResources[number] = key;
+        mNames->Define(resource, key);
     }
-    FormatText(text, sizeof text, "GCSA%d ", number);
-    name = text;
+    name = resource;
+    name += ' ';
 }
 
 void PostScriptOutputContext::WriteColorSpaceResourceName(const std::string& name,

@@ -89,12 +89,44 @@ void PostScriptOutputContext::PopState() {
     }
 }
 
+void PostScriptOutputContext::BeginRecording() {
+    PushState();
+    if (mState != nullptr) {
+        mState->Forget();
+    }
+    mSaves.push_back(0);
+}
+
+void PostScriptOutputContext::CloseSaves() {
+    while (!mSaves.empty() && mSaves.back() > 0) {
+        GRestore();
+    }
+}
+
+void PostScriptOutputContext::EndRecording() {
+    if (!mSaves.empty()) {
+        for (; mSaves.back() > 0; --mSaves.back()) {
+            PopState();
+        }
+        mSaves.pop_back();
+        PopState();
+    }
+}
+
 void PostScriptOutputContext::GSave() {
+    if (!mSaves.empty()) {
+        ++mSaves.back();
+    }
     PushState();
     WriteText("gsave\n");
 }
 
 void PostScriptOutputContext::GRestore() {
+    // What a form did not save is not its own to restore.
+    if (!mSaves.empty() && --mSaves.back() < 0) {
+        mSaves.back() = 0;
+        return;
+    }
     PopState();
     WriteText("grestore\n");
 }

@@ -33,6 +33,9 @@ public:
 
     [[nodiscard]] std::string_view View() const { return mText; }
 
+    /// Zero-terminated.
+    [[nodiscard]] const char* Text() const { return mText.c_str(); }
+
     [[nodiscard]] std::size_t Size() const { return mText.size(); }
 
     /// Copies the text and a zero into `buffer` of `size` bytes and answers its length. A text that

@@ -76,7 +76,7 @@ void TilePatternPSOutputContext::EndResource() {
 }
 
 void TilePatternPSOutputContext::BeginImageData() {
-    mIsCollecting = true;
+    mIsCollecting = IsOnBase();
     mDictionary.Clear();
 }
 

@@ -44,7 +44,9 @@ bool TilingPatterPSConnectionSpace::Init(IO::IDataProvider* stream, IClassFactor
         }
         copy->SetBool(POLICY::kSetDefaultColour, false);
     }
-    const bool isPlain = mOwner.GetPolicy().tilingFlag != 0;
+    // The masks of an uncoloured cell stay masks: it may neither choose a colour space nor paint an
+    // image, of which one that stands for a mask is made.
+    const bool isPlain = mOwner.GetPolicy().tilingFlag != 0 || !IsColoured();
     if (isPlain && copy) {
         copy->SetBool(POLICY::kPdfmarkTransparency, false);
     }
@@ -65,10 +67,13 @@ TInterfacePtr<PostScriptOutputContext> TilingPatterPSConnectionSpace::MakeOutput
 }
 
 Status TilingPatterPSConnectionSpace::Record(const GRAPHICS::IGraphic& cell) {
+    Names().Begin(DefinedNames::Text::kProcedure);
     BeginBody();
     SetInitialState();
     const Status status = cell.PlayTo(*Base());
+    CloseGroups();
     EndBody();
+    Names().End(false);
     if (status != STATUS::kOk) {
         return status;
     }
@@ -130,8 +135,21 @@ void TilingPatterPSConnectionSpace::RestoreGraphicsState() {
     CutBody();
 }
 
+Status TilingPatterPSConnectionSpace::PushFormObject(IFormObject& form) {
+    CloseBlock();
+    return PostScriptConnectionSpace::PushFormObject(form);
+}
+
+Status TilingPatterPSConnectionSpace::PopFormObject() {
+    const Status status = PostScriptConnectionSpace::PopFormObject();
+    CutBody();
+    return status;
+}
+
+// A form in the cell is no part of its procedure: what is drawn there stands as on a page.
+
 void TilingPatterPSConnectionSpace::MoveTo(float x, float y) {
-    if (!mBlockIsOpen && !IsDrawingSuppressed()) {
+    if (!mBlockIsOpen && !IsDrawingSuppressed() && !IsInForm()) {
         WriteText("{");
         mBlockIsOpen = true;
         mBlockElements = 0;
@@ -154,6 +172,13 @@ void TilingPatterPSConnectionSpace::PaintPath(bool fill, bool evenOdd) {
     if (!MayPaint()) {
         return;
     }
+    if (IsInForm()) {
+        if (IsColoured()) {
+            ApplyPaintColor(fill);
+        }
+        WritePaintOperator(fill, evenOdd);
+        return;
+    }
     CloseBlock();
     SaveGraphicsState();
     WriteText("{\n");
@@ -169,6 +194,10 @@ void TilingPatterPSConnectionSpace::FillWithColorSpace(COLOR::IConnectionColorSp
                                                        ResourceId id, float x, float y, float width,
                                                        float height) {
     if (!IsColoured() || !mContext) {
+        return;
+    }
+    if (IsInForm()) {
+        PostScriptConnectionSpace::FillWithColorSpace(space, id, x, y, width, height);
         return;
     }
     CloseBlock();
@@ -188,6 +217,10 @@ void TilingPatterPSConnectionSpace::DrawImage(GRAPHICS::IRasterComponent* raster
     }
     CloseBlock();
     if (!MayDrawImage(raster) || (!IsColoured() && !IsImageMask(*raster))) {
+        return;
+    }
+    if (IsInForm()) {
+        PostScriptConnectionSpace::DrawImage(raster, x, y, width, height);
         return;
     }
     WriteText("%START OF THE IMAGE DICTIONARY USING ReusableStreamDecode\n{");
@@ -261,13 +294,17 @@ void TilingPatterPSConnectionSpace::SetTextRenderingColor(
 
 void TilingPatterPSConnectionSpace::AddPostScriptColorSpaceResource(ResourceId id,
                                                                     const char* name) {
-    mDefinesPatterns = true;
+    mDefinesPatterns = mDefinesPatterns || !IsInForm();
     PostScriptConnectionSpace::AddPostScriptColorSpaceResource(id, name);
 }
 
 const char* TilingPatterPSConnectionSpace::GetPostScriptResourceName(ResourceId id) {
     const char* name = PostScriptConnectionSpace::GetPostScriptResourceName(id);
     return name != nullptr ? name : mOwner.GetPostScriptResourceName(id);
+}
+
+bool TilingPatterPSConnectionSpace::WasDefined(ResourceId id) const {
+    return PostScriptConnectionSpace::WasDefined(id) || mOwner.WasDefined(id);
 }
 
 }  // namespace VANTIX::PS

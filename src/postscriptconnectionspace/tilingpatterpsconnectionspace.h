@@ -37,6 +37,8 @@ public:
               const IO::IDictionary* policy) override;
 
     void RestoreGraphicsState() override;
+    Status PushFormObject(IFormObject& form) override;
+    Status PopFormObject() override;
     void RegisterColorSpaceUse(ResourceId id) override;
     void MoveTo(float x, float y) override;
     void LineTo(const float* points, std::int32_t count) override;
@@ -56,7 +58,10 @@ public:
     /// Does nothing: patterns in a cell start from the matrix of the cell.
     void SaveInitialPageMatrix() override;
 
+    /// The owner's: definitions of forms stand ahead of the pattern.
     IPostScriptDataStream* GetBaseStream() override { return mOwner.GetBaseStream(); }
+
+    DefinedNames& Names() override { return mOwner.Names(); }
 
     void WriteContextStreamData(const void* data, std::int32_t length) override;
     void FlushContextStreamData() override;
@@ -72,6 +77,7 @@ public:
     void AddPostScriptColorSpaceResource(ResourceId id, const char* name) override;
     /// The recorder's own name, else the owner's.
     const char* GetPostScriptResourceName(ResourceId id) override;
+    [[nodiscard]] bool WasDefined(ResourceId id) const override;
     void PaintPath(bool fill, bool evenOdd) override;
 
     [[nodiscard]] std::int32_t CellDepth() const override { return mOwner.CellDepth() + 1; }
@@ -84,6 +90,8 @@ protected:
     TInterfacePtr<PostScriptOutputContext> MakeOutputContext() override;
     void ApplyOverprint(bool fill) override;
     void CloseBlock() override;
+
+    [[nodiscard]] bool MaySetColours() const override { return IsColoured(); }
 
 private:
     [[nodiscard]] bool IsColoured() const;

@@ -16,6 +16,12 @@ namespace VANTIX::TEST {
 /// The host's graphics state of the moment, set by the test. Fill and stroke share their colour.
 class FakeGraphicsState : public TObject<GRAPHICS::IGraphicsState> {
 public:
+    float fillAlpha = 1;
+    float strokeAlpha = 1;
+    GRAPHICS::TBlendMode blendMode = GRAPHICS::TBlendMode::kNormal;
+    bool alphaIsShape = false;
+    bool textKnockout = true;
+    TInterfacePtr<IObject> softMaskHolder;
     bool fillOverprint = false;
     bool strokeOverprint = false;
     std::int32_t overprintMode = 0;
@@ -26,13 +32,13 @@ public:
     COLOR::TRenderingIntent intent = COLOR::TRenderingIntent::kRelativeColorimetric;
     COLOR::TRenderingIntent intent2 = COLOR::TRenderingIntent::kSaturation;
 
-    float GetAlpha(bool /*fill*/) const override { return 1; }
+    float GetAlpha(bool fill) const override { return fill ? fillAlpha : strokeAlpha; }
 
-    GRAPHICS::TBlendMode GetBlendMode() const override { return GRAPHICS::TBlendMode::kNormal; }
+    GRAPHICS::TBlendMode GetBlendMode() const override { return blendMode; }
 
-    bool GetAlphaIsShape() const override { return false; }
+    bool GetAlphaIsShape() const override { return alphaIsShape; }
 
-    bool GetTextKnockout() const override { return true; }
+    bool GetTextKnockout() const override { return textKnockout; }
 
     bool GetOverprint(bool fill) const override { return fill ? fillOverprint : strokeOverprint; }
 
@@ -54,7 +60,7 @@ public:
 
     COLOR::TRenderingIntent GetRenderingIntent2() const override { return intent2; }
 
-    IObject* GetSoftMaskHolder() const override { return nullptr; }
+    IObject* GetSoftMaskHolder() const override { return softMaskHolder.Get(); }
 
     float GetCharSpacing() const override { return 0; }
 

@@ -66,8 +66,9 @@ public:
         Note("SetSeparationColorSpace ", colorant, Managed(colourManaged));
     }
 
-    void SetNamedColorSpace(const char* name) override {
+    bool SetNamedColorSpace(const char* name) override {
         Note("SetNamedColorSpace ", name == lastName ? "last" : name);
+        return true;
     }
 
     void SetCalibratedGrayColorSpace(float x, float y, float z) override {

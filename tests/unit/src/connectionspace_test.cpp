@@ -551,12 +551,19 @@ TEST_F(ConnectionSpace, WithoutDelegateFillsAndImagesAreReported) {
     EXPECT_EQ(log.Entries().front().file, "src/postscriptconnectionspace");
 }
 
-TEST_F(ConnectionSpace, PdfmarkTransparencyIsDoneWithoutWhereItsDelegateIsMissing) {
+TEST_F(ConnectionSpace, PdfmarkTransparencyIsWrittenInFrontOfWhatTheDelegateWrites) {
     policy->SetBool(101, true);
-    Start();
-    EXPECT_EQ(log.Messages(), "Could not manufacture a jaws workaround delegate. Disabled.\n");
-    space->Fill();
-    EXPECT_THAT(Written(), HasSubstr("gsave fill grestore\n"));
+    StartNoting();
+    Written();
+    state->fillAlpha = 0.5F;
+    state->spaceId = "rgb "_cc;
+    state->space = rgb;
+    space->FillWithColorSpace(rgb.Get(), 1, 0, 0, 1, 1);
+    const std::string text = Written();
+    EXPECT_THAT(text, HasSubstr("[/ca 0.5 /CA 1 "));
+    EXPECT_EQ(noting->fills, "shading 1 paint\n");
+    EXPECT_EQ(noting->state, state.Get());
+    EXPECT_EQ(log.Messages(), "");
 }
 
 TEST_F(ConnectionSpace, InitFailsWithoutABaseSpaceThatAttaches) {

@@ -62,7 +62,8 @@ TEST_F(OutputContext, WritesASpaceOnceWhileItIsCurrent) {
     EXPECT_EQ(Once([&] { context->SetDeviceColorSpace("rgb "_cc); }), "/DeviceRGB setcolorspace\n");
     EXPECT_EQ(Once([&] { context->SetDeviceColorSpace("cmyk"_cc); }),
               "/DeviceCMYK setcolorspace\n");
-    EXPECT_EQ(Once([&] { context->SetNamedColorSpace("SEPCS-1"); }), "SEPCS-1 setcolorspace\n");
+    EXPECT_FALSE(context->SetNamedColorSpace("SEPCS-1"));
+    EXPECT_EQ(Written(), "");
     EXPECT_EQ(Once([&] { context->SetRegistrationColorSpace(); }),
               "[/Separation (All) /DeviceGray {1 exch sub}] setcolorspace 1 setcolor "
               "%% Registration\n");
@@ -84,7 +85,7 @@ TEST_F(OutputContext, WritesASpaceOnceWhileItIsCurrent) {
 TEST_F(OutputContext, RefusesUnknownAndMissingThings) {
     context->SetDeviceColorSpace("clab"_cc);
     EXPECT_TRUE(RecordingLogger::Get().Has("Unhandled device color space encountered: 1668047202"));
-    context->SetNamedColorSpace(nullptr);
+    EXPECT_FALSE(context->SetNamedColorSpace(nullptr));
     context->SetSeparationColorSpace(nullptr, "Gold", Spot("Gold").Get(), false);
     context->SetDeviceNColorSpace("N", nullptr, false);
     context->SetLabColorSpace(nullptr);
@@ -158,10 +159,10 @@ TEST_F(OutputContext, RestoresWhatTheInterpreterRestores) {
     EXPECT_EQ(Written(),
               "/DeviceGray setcolorspace\ngsave\n/DeviceRGB setcolorspace\ngrestore\n"
               "/DeviceRGB setcolorspace\n");
-    context->PushState();
+    context->BeginRecording();
     context->SetDeviceColorSpace("gray"_cc);
     Written();
-    context->PopState();
+    context->EndRecording();
     EXPECT_EQ(Written(), "");
     context->SetDeviceColorSpace("rgb "_cc);
     EXPECT_EQ(Written(), "");
