@@ -43,8 +43,17 @@ bool ContentInterpreter::Save() {
 
 void ContentInterpreter::RestoreTo(std::size_t depth) {
     while (mLevels.size() > depth) {
+        const bool endsMask = mBegunMask && mBegunMask->depth == mLevels.size();
+        if (endsMask) {
+            CloseTextObject();
+        }
         mLevels.pop_back();
+        mClips.resize(Top().clips);
         mContext.space.RestoreGraphicsState();
+        if (endsMask) {
+            mOrigin = mBegunMask->outer;
+            mBegunMask.reset();
+        }
     }
 }
 

@@ -27,6 +27,7 @@
 #include "pdf/resources.h"
 #include "pdf/shadings.h"
 #include "pdf/textstate.h"
+#include "pdf/transparency.h"
 
 namespace VANTIX::PDF {
 
@@ -44,11 +45,14 @@ struct PlayContext {
     Shadings& shadings;
     Patterns& patterns;
     Fonts& fonts;
+    TransparencySurvey& transparency;
+    LostTransparency& lostTransparency;
     OpenStreams& openStreams;
     Reporter& reporter;
     /// Overrides the intents of the content.
     std::optional<COLOR::TRenderingIntent> intent;
-    /// The opacity of images goes on with them; else it is mixed with white paper.
+    /// Transparency goes on with what is drawn; else that is painted opaque, and the opacity of
+    /// images is mixed with white paper.
     bool keepsAlpha = false;
     std::int32_t languageLevel = 3;
     /// Images in gray of less than 8 bits come with a palette.
@@ -57,13 +61,31 @@ struct PlayContext {
     bool keepsHiddenText = false;
     /// The space has been told to load the fonts; a recording finds those of its owner.
     bool fontsAreLoaded = false;
+    /// From the space in which forms that are recorded within a cell are executed to default user
+    /// space.
+    std::array<double, 6> bodyMatrix{1, 0, 0, 1, 0, 0};
 
     /// The same for content that goes into `recording`.
     [[nodiscard]] PlayContext For(HOST::BaseConnectionSpace& recording, OpenStreams& open) const {
-        return {recording,     colorSpaces,     optionalContent, forms,
-                imageData,     shadings,        patterns,        fonts,
-                open,          reporter,        intent,          keepsAlpha,
-                languageLevel, graysAsPalettes, keepsHiddenText, true};
+        return {recording,
+                colorSpaces,
+                optionalContent,
+                forms,
+                imageData,
+                shadings,
+                patterns,
+                fonts,
+                transparency,
+                lostTransparency,
+                open,
+                reporter,
+                intent,
+                keepsAlpha,
+                languageLevel,
+                graysAsPalettes,
+                keepsHiddenText,
+                true,
+                bodyMatrix};
     }
 };
 
@@ -149,6 +171,11 @@ public:
     /// rendering intent that overrides all others into force.
     void BeginPage();
 
+    /// Plays what `play` draws as the group of a page (PDF Reference, 7.5.5), where blending in it
+    /// cannot do without. `resources` are those of the page.
+    void DrawPage(const QPDFObjectHandle& group, const QPDFObjectHandle& resources,
+                  const std::function<void()>& play);
+
     /// Plays the cell of a tiling pattern into the space of `context`. `cell` outlives the call.
     static void PlayCell(PlayContext& context, const PatternCell& cell);
 
@@ -176,7 +203,66 @@ private:
         float flatness = -1.0F;  // a device's own until it is set
         std::array<float, kMaxDash> dash{};
         std::size_t dashCount = 0;
+        std::shared_ptr<const std::vector<float>> longDash;  // of more lengths
         float dashPhase = 0.0F;
+
+        bool operator==(const LineState&) const = default;
+    };
+
+    /// Where patterns start from, and what is being recorded around what is drawn.
+    struct Origin {
+        std::array<double, 6> page{1, 0, 0, 1, 0, 0};  // to default user space, as the next
+        std::array<double, 6> body{1, 0, 0, 1, 0, 0};  // in which all recordings are executed
+        int recordings = 0;
+        int groups = 0;  // of these, what is no form that a soft mask applies to
+        /// The innermost is a group that is drawn through a soft mask, which groups in it would
+        /// take over.
+        bool carriesMask = false;
+    };
+
+    struct SoftMask;
+    using SoftMaskPtr = std::shared_ptr<SoftMask>;
+
+    /// What is written where it changes, as it stands in the connection space.
+    struct Written {
+        std::array<double, 6> matrix;
+        std::size_t clips;  // of those that are kept
+        LineState line;
+        COLOR::TRenderingIntent intent;
+    };
+
+    /// The soft mask through which everything is recorded now.
+    struct BegunMask {
+        SoftMaskPtr mask;
+        std::size_t depth;  // of levels, the last of which holds it
+        Origin outer;
+        Written before;
+        // As they go with the mask to what is drawn.
+        float fillAlpha;
+        float strokeAlpha;
+        GRAPHICS::TBlendMode blendMode;
+    };
+
+    enum class Start : std::uint8_t { kOpaque, kAfresh };
+
+    /// Everything drawn while it lives goes into the group or the mask that has just begun: in a
+    /// level of its own, opaque and without a mask, or even as on a new page.
+    class ScopedRecording {
+    public:
+        explicit ScopedRecording(ContentInterpreter& interpreter, Start start = Start::kOpaque);
+        ~ScopedRecording();
+        ScopedRecording(const ScopedRecording&) = delete;
+        ScopedRecording& operator=(const ScopedRecording&) = delete;
+        ScopedRecording(ScopedRecording&&) = delete;
+        ScopedRecording& operator=(ScopedRecording&&) = delete;
+
+        [[nodiscard]] bool IsSaved() const { return mLevel->IsSaved(); }
+
+    private:
+        ContentInterpreter& mInterpreter;
+        std::optional<ScopedLevel> mLevel;
+        Origin mOuter;
+        std::optional<BegunMask> mOuterMask;
     };
 
     /// One level of the graphics state, as far as the host does not keep it.
@@ -193,6 +279,23 @@ private:
         LineState line;
         TextState text;
         SelectedFont selectedFont;  // as the connection space has it
+        SoftMaskPtr mask;           // null: none
+        std::size_t clips = 0;      // of those that are kept
+    };
+
+    /// A clip of a level over which a soft mask may end: it is then made once more.
+    struct KeptClip {
+        std::array<double, 6> matrix;
+        Path path;
+        bool isEvenOdd = false;
+        std::vector<ClippingText> text;  // without a path
+        std::size_t size = 0;            // of this and all before: points and codes
+    };
+
+    struct ClosedLevel {
+        Level level;
+        HOST::GraphicsParameters state;
+        std::vector<KeptClip> clips;  // made in this level
     };
 
     void Execute(ContentParser& parser);
@@ -250,8 +353,11 @@ private:
     }
 
     void Paint(unsigned flags);
-    /// Fills the path of the connection space, which stays.
+    /// Fills and strokes the path of the connection space, which stays.
+    void Mark(unsigned marks);
+    /// Fills or strokes the path of the connection space, which stays.
     void FillPath(bool evenOdd);
+    void StrokePath();
     bool MayPaint(bool fill);
 
     // contentinterpreter_color.cpp
@@ -298,6 +404,11 @@ private:
     // contentinterpreter_pattern.cpp
     void SelectPattern(bool fill);
     std::shared_ptr<Pattern> FindPattern(const ColorSpaceEntry* underlying);
+    std::shared_ptr<Pattern> FindPattern(const QPDFObjectHandle& object, Resources& resources,
+                                         const std::array<double, 6>& parentToUser,
+                                         const ColorSpaceEntry* underlying);
+    /// Makes the pattern of the level the space of the current colour.
+    bool UsePattern(bool fill);
     bool DefinePattern(Pattern& pattern);
 
     // contentinterpreter_xobject.cpp
@@ -307,7 +418,88 @@ private:
     void EndMark(Numbers);
     void BeginCompatibility(Numbers);
     void EndCompatibility(Numbers);
-    bool EnterGroup(const Form& form);
+    void CloseTextAround(const Form& form);
+    void DrawContent(const Form& form, Resources& resources);
+
+    // contentinterpreter_groups.cpp
+    /// A group, and what is to stand for its attributes.
+    struct Group {
+        std::array<double, 4> box;  // in user space
+        bool isIsolated = false;
+        bool isKnockout = false;
+        HOST::ColorSpacePtr space;  // null: that around it
+    };
+    enum class PaintGroup : std::uint8_t { kNone, kOpaque, kKnockout };
+
+    /// Notes that transparency of a kind was asked for, where it is painted opaque.
+    void Lose(unsigned kinds) {
+        if (!mContext.keepsAlpha) {
+            mContext.lostTransparency.Add(kinds);
+        }
+    }
+
+    /// The kinds of transparency that what is painted now has, without its content.
+    unsigned OwnTransparency();
+    bool NeedsGroup(const Form& form);
+    void DrawGroup(const Form& form, Resources& resources);
+    /// Records what `play` draws as a group, in the state of a group's content (opaque).
+    void Record(const Group& group, const std::function<void()>& play);
+    Group DescribeGroup(const QPDFObjectHandle& attributes, const std::array<double, 4>& box,
+                        Resources& resources);
+    /// How a path that is both filled and stroked is to be painted.
+    PaintGroup PaintGroupOf(unsigned marks);
+    /// Paints the path where this takes a group; false, with nothing done, where it does not.
+    bool PaintInGroup(unsigned marks);
+    /// From now on what is drawn is executed elsewhere, in a state that nobody knows. Answers the
+    /// origin, to be given to `LeaveRecording`.
+    Origin EnterRecording(bool isGroup);
+    /// Goes back to the origin before; the interpreter's state is again what it was then.
+    void LeaveRecording(const Origin& outer);
+    /// Writes all of the state that is written where it changes.
+    void WriteState();
+    void RebasePatterns();
+    void RebasePattern(bool fill);
+
+    // contentinterpreter_softmask.cpp
+    void SetSoftMask(const QPDFObjectHandle& parameters);
+    bool ReadMask(SoftMask& mask);
+    bool ReadMaskParameters(SoftMask& mask);
+    HOST::FunctionPtr ReadTransfer(const QPDFObjectHandle& object);
+    const ColorSpaceEntry& SpaceOfMask(const SoftMask& mask, std::size_t backdropCount);
+    void ReadBackdrop(SoftMask& mask);
+
+    /// To be called before anything is painted: begins or ends a soft mask where it has to be.
+    void PreparePaint() {
+        if (mBegunMask || Top().mask) {
+            SynchroniseMask();
+        }
+    }
+
+    /// To be called before a group is begun that is not to take over the mask of the group around
+    /// it.
+    void ShieldGroup();
+
+    [[nodiscard]] bool HasMask() { return Top().mask && ReadMask(*Top().mask); }
+
+    void SynchroniseMask();
+    /// The level, counted from 1, up from which a mask and what goes with it are the same.
+    std::size_t LowestDepthOf(const SoftMask& mask);
+    void BeginMask(const SoftMaskPtr& mask);
+    bool RecordMask(const SoftMask& mask);
+    /// Ends the mask over levels that may stay open.
+    void EndMask();
+    void ResetState();
+    Written CurrentlyWritten();
+    /// Writes again what the top level has beyond what is written.
+    void WriteBeyond(const Written& written);
+    void ConcatOnly(const std::array<double, 6>& from, const std::array<double, 6>& to);
+    /// Closes levels of the connection space, until `depth` are left.
+    std::vector<ClosedLevel> CloseLevels(std::size_t depth);
+    void OpenLevels(std::vector<ClosedLevel> levels);
+
+    [[nodiscard]] bool KeepsClips() const { return mBegunMask || mLevels.back().mask; }
+
+    void KeepClip(KeptClip clip);
 
     // contentinterpreter_text.cpp
     void BeginText(Numbers);
@@ -333,6 +525,9 @@ private:
     void MoveLineBy(double x, double y);
     void CloseTextObject();
     void ClipToText();
+    void ClipToStrings(const std::vector<ClippingText>& strings);
+    /// Before a string is taken from its operands.
+    void PrepareText();
     std::optional<TextRendering> VisibleRendering();
     bool MayPaintText(bool fill);
     /// Shows a string in the modes of the state and goes on behind it.
@@ -388,7 +583,10 @@ private:
     PlayContext& mContext;
     std::vector<Level> mLevels;
     Frame mFrame;
-    std::array<double, 6> mPageMatrix{1, 0, 0, 1, 0, 0};
+    Origin mOrigin;
+    std::optional<BegunMask> mBegunMask;  // of what is being recorded
+    std::vector<KeptClip> mClips;
+    bool mSetsIntent = false;  // other than that of a new page
     Path mPath;
     PendingClip mPendingClip = PendingClip::kNone;
     std::array<float, 6> mNumbers{};

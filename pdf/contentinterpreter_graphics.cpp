@@ -70,6 +70,9 @@ void ContentInterpreter::ClipToBox(const std::array<double, 4>& box) {
     path.PlayTo(mContext.space);
     mContext.space.Clip();
     mContext.space.NewPath();
+    if (KeepsClips()) {
+        KeepClip({Top().matrix, path, false, {}});
+    }
     std::array<double, 4>& clip = Top().clipBox;
     const std::array<double, 4> bounds = TransformBox(Top().matrix, box);
     for (std::size_t i = 0; i < 2; ++i) {
@@ -154,17 +157,19 @@ void ContentInterpreter::SetDash(std::vector<float> lengths, float phase) {
         phase = ToFloat(phase + period * std::ceil(-phase / period));
     }
     LineState& line = Top().line;
-    const bool isKept = lengths.size() <= LineState::kMaxDash;
-    if (isKept && lengths.size() == line.dashCount && phase == line.dashPhase &&
+    const bool isShort = lengths.size() <= LineState::kMaxDash;
+    if (isShort && lengths.size() == line.dashCount && phase == line.dashPhase &&
         std::equal(lengths.begin(), lengths.end(), line.dash.begin())) {
         return;
     }
     line.dashCount = lengths.size();
     line.dashPhase = phase;
-    if (isKept) {
-        std::copy(lengths.begin(), lengths.end(), line.dash.begin());
-    }
     mContext.space.SetDash(phase, lengths.data(), static_cast<std::int32_t>(lengths.size()));
+    if (isShort) {
+        std::copy(lengths.begin(), lengths.end(), line.dash.begin());
+    } else {
+        line.longDash = std::make_shared<const std::vector<float>>(std::move(lengths));
+    }
 }
 
 void ContentInterpreter::RenderingIntent(Numbers) {
@@ -193,6 +198,7 @@ void ContentInterpreter::SetIntent(const std::string& name) {
     HOST::GraphicsParameters& state = State();
     if (state.intent != intent || state.intent2 != intent) {
         state.intent = state.intent2 = intent;
+        mSetsIntent = true;
         mContext.space.SelectRenderingIntent(intent);
         mContext.space.SelectRenderingIntent2(intent);
     }

@@ -118,6 +118,7 @@ void ContentInterpreter::PaintImage(const ImageObject& object) {
     if (State().fillAlpha <= 0.0F) {
         return;
     }
+    PreparePaint();
     try {
         const auto image = Image::Open(object, *mFrame.resources, ContextOfImages());
         if (image && image->IsStencil()) {
@@ -265,8 +266,7 @@ void ContentInterpreter::PaintSoft(Image& source, ImageMask mask, bool isOpaque)
     if (raster && mContext.keepsAlpha) {
         HOST::AddAlpha(*raster, 8, std::make_unique<BandPlanes>(opacity, 0), isOpaque);
     } else if (raster) {
-        mContext.reporter.Warn("transparency",
-                               source.Label() + ": its soft mask is mixed with white paper");
+        Lose(TRANSPARENCY::kAlpha);
     }
     DrawRaster(raster, source.Label());
 }

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <utility>
+
 #include "pdf/contentinterpreter.h"
 
 namespace VANTIX::PDF {
@@ -43,30 +45,50 @@ void ContentInterpreter::Paint(unsigned flags) {
     if ((flags & kClose) != 0) {
         mPath.Close();
     }
-    const PendingClip clip = mPendingClip;
-    mPendingClip = PendingClip::kNone;
+    const PendingClip clip = std::exchange(mPendingClip, PendingClip::kNone);
     // Without any path there is no clip, as readers have agreed; a single point clips all away.
     const bool paints = mPath.HasSegments();
-    const bool fill = paints && (flags & kFill) != 0 && MayPaint(true);
-    const bool stroke = paints && (flags & kStroke) != 0 && MayPaint(false);
-    if (fill || stroke || (!mPath.IsEmpty() && clip != PendingClip::kNone)) {
+    if (paints && (flags & (kFill | kStroke)) != 0) {
+        PreparePaint();
+    }
+    unsigned marks = flags & kEvenOdd;
+    marks |= paints && (flags & kFill) != 0 && MayPaint(true) ? kFill : 0U;
+    marks |= paints && (flags & kStroke) != 0 && MayPaint(false) ? kStroke : 0U;
+    if (PaintInGroup(marks)) {
+        marks = 0;
+    }
+    const bool clips = !mPath.IsEmpty() && clip != PendingClip::kNone;
+    if (clips || (marks & (kFill | kStroke)) != 0) {
         HOST::BaseConnectionSpace& space = mContext.space;
         mPath.PlayTo(space);
-        if (fill) {
-            FillPath((flags & kEvenOdd) != 0);
-        }
-        if (stroke && mContext.languageLevel < 3 && Top().strokePattern &&
-            Top().strokePattern->shading) {
-            StrokePathWithShading(*Top().strokePattern);
-        } else if (stroke) {
-            space.Stroke();
-        }
-        if (clip != PendingClip::kNone) {
+        Mark(marks);
+        if (clips) {
             clip == PendingClip::kEvenOdd ? space.EOClip() : space.Clip();
+            if (KeepsClips()) {
+                KeepClip({Top().matrix, mPath, clip == PendingClip::kEvenOdd, {}});
+            }
         }
         space.NewPath();
     }
     mPath.Clear();
+}
+
+void ContentInterpreter::Mark(unsigned marks) {
+    if ((marks & kFill) != 0) {
+        FillPath((marks & kEvenOdd) != 0);
+    }
+    if ((marks & kStroke) != 0) {
+        StrokePath();
+    }
+}
+
+void ContentInterpreter::StrokePath() {
+    const Pattern* pattern = Top().strokePattern.get();
+    if (pattern != nullptr && pattern->shading && mContext.languageLevel < 3) {
+        StrokePathWithShading(*pattern);
+    } else {
+        mContext.space.Stroke();
+    }
 }
 
 void ContentInterpreter::FillPath(bool evenOdd) {

@@ -10,9 +10,10 @@
 namespace VANTIX::PDF {
 
 void ContentInterpreter::BeginPage() {
-    mPageMatrix = Top().matrix;
+    mOrigin.page = Top().matrix;
     if (mContext.intent) {
         State().intent = State().intent2 = *mContext.intent;
+        mSetsIntent = true;
         mContext.space.SelectRenderingIntent(*mContext.intent);
         mContext.space.SelectRenderingIntent2(*mContext.intent);
     }
@@ -43,22 +44,27 @@ void ContentInterpreter::SelectPattern(bool fill) {
     }
     auto& selected = fill ? Top().fillPattern : Top().strokePattern;
     selected = FindPattern(underlying);
-    if (!selected || (selected->shading && mContext.languageLevel < 3)) {
-        return;
+    if (selected && UsePattern(fill) && selected->underlying != nullptr) {
+        ColorOf(fill).count = underlying->components;
+        SetColorValues(fill, *space.alternate);
+    }
+}
+
+// False where there is no such colour: the pattern is left out, or painted by other means.
+bool ContentInterpreter::UsePattern(bool fill) {
+    auto& selected = fill ? Top().fillPattern : Top().strokePattern;
+    if (selected->shading && mContext.languageLevel < 3) {
+        return false;
     }
     if (!DefinePattern(*selected)) {
         selected = nullptr;
-        return;
+        return false;
     }
     mContext.space.RegisterColorSpaceUse(selected->id, fill);
     HOST::CurrentColor& color = ColorOf(fill);
     color.space = selected->space;
     color.id = selected->id;
-    color.count = 0;
-    if (selected->underlying != nullptr) {
-        color.count = underlying->components;
-        SetColorValues(fill, *space.alternate);
-    }
+    return true;
 }
 
 // The pattern that the last operand names; null, with a warning, where there is none to paint with.
@@ -68,11 +74,18 @@ std::shared_ptr<Pattern> ContentInterpreter::FindPattern(const ColorSpaceEntry* 
         return nullptr;
     }
     const QPDFObjectHandle object = mFrame.resources->Find("/Pattern", *name);
-    const auto toPage = Inverse(mPageMatrix);
     if (IsNull(object)) {
         mContext.reporter.Warn("missing-resource", "There is no pattern " + std::string(*name));
         return nullptr;
     }
+    return FindPattern(object, *mFrame.resources, mFrame.matrix, underlying);
+}
+
+std::shared_ptr<Pattern> ContentInterpreter::FindPattern(const QPDFObjectHandle& object,
+                                                         Resources& resources,
+                                                         const std::array<double, 6>& parentToUser,
+                                                         const ColorSpaceEntry* underlying) {
+    const auto toPage = Inverse(mOrigin.page);
     if (!toPage || Top().isCollapsed) {
         return nullptr;
     }
@@ -81,8 +94,16 @@ std::shared_ptr<Pattern> ContentInterpreter::FindPattern(const ColorSpaceEntry* 
         mContext.reporter.Warn("recursion", "A pattern that holds itself or is nested too deep");
         return nullptr;
     }
-    return mContext.patterns.Find({object, *mFrame.resources, Multiply(mFrame.matrix, *toPage),
-                                   mPageMatrix, mCell, underlying});
+    auto pattern =
+        mContext.patterns.Find({object, resources, Multiply(parentToUser, *toPage), mOrigin.page,
+                                mOrigin.groups > 0 ? &mOrigin.body : nullptr, mCell, underlying});
+    if (pattern) {
+        pattern->object = object;
+        pattern->resources = &resources;
+        pattern->parentToUser = parentToUser;
+        pattern->selectedWith = underlying;
+    }
+    return pattern;
 }
 
 // Makes the resource of the pattern in the connection space, unless it is there. False when it
@@ -96,6 +117,9 @@ bool ContentInterpreter::DefinePattern(Pattern& pattern) {
     }
     if (pattern.underlying != nullptr) {
         mContext.colorSpaces.UseWithAlternates(*pattern.underlying);
+    }
+    if (mOrigin.recordings == 0 && mCell == nullptr) {
+        mContext.bodyMatrix = Top().matrix;
     }
     mContext.space.AddColorSpace(pattern.space.Get(), pattern.id);
     pattern.isRefused = pattern.cell && !pattern.cell->wasPlayed;

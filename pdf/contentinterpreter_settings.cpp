@@ -53,8 +53,7 @@ struct ContentInterpreter::Settings {
         interpreter.State().*Alpha = alpha;
         // What is wholly transparent is simply not painted.
         if (alpha > 0.0F && alpha < 1.0F) {
-            interpreter.mContext.reporter.Warn("transparency",
-                                               "What is translucent is painted opaque");
+            interpreter.Lose(TRANSPARENCY::kAlpha);
         }
     }
 
@@ -116,16 +115,12 @@ void ContentInterpreter::Settings::BlendMode(CI& interpreter, Value value) {
     }
     interpreter.State().blendMode = mode;
     if (mode != Mode::kNormal) {
-        interpreter.mContext.reporter.Warn("transparency", "What is blended is painted opaque");
+        interpreter.Lose(TRANSPARENCY::kBlending);
     }
 }
 
 void ContentInterpreter::Settings::SoftMask(CI& interpreter, Value value) {
-    QPDFObjectHandle mask = value;
-    if (mask.isDictionary()) {
-        interpreter.mContext.reporter.Warn("transparency",
-                                           "What a soft mask covers is painted whole");
-    }
+    interpreter.SetSoftMask(value);
 }
 
 void ContentInterpreter::Settings::Transfer(CI& interpreter, Value value) {

@@ -28,6 +28,7 @@ void ContentInterpreter::FillShading(Numbers) {
     if (!shading) {
         return;
     }
+    PreparePaint();
     if (mContext.languageLevel < 3) {
         DrawShadingRaster(*shading);
         return;
@@ -96,7 +97,7 @@ void ContentInterpreter::FillPathWithShading(const Pattern& pattern, bool evenOd
     }
     evenOdd ? space.EOClip() : space.Clip();
     space.NewPath();
-    const std::array<double, 6> place = Multiply(Multiply(pattern.matrix, mPageMatrix), *inverse);
+    const std::array<double, 6> place = Multiply(Multiply(pattern.matrix, mOrigin.page), *inverse);
     if (Concat(place)) {
         DrawShadingRaster(*pattern.shading);
     }

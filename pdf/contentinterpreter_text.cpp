@@ -69,16 +69,31 @@ void ContentInterpreter::CloseTextObject() {
 void ContentInterpreter::ClipToText() {
     TextObject& text = mFrame.text;
     if (text.hasOutline) {
-        for (const ClippingText& string : text.clip) {
-            DrawText(string.place, string.codes, TextRendering::kClip);
+        ClipToStrings(text.clip);
+        if (KeepsClips()) {
+            KeepClip({Top().matrix, {}, false, std::move(text.clip)});
         }
-        CloseTextObject();
-        mContext.space.NewPath();
-        State().textRendering = TextRendering::kFill;
     }
     text.clip.clear();
     text.clipCodes = 0;
     text.hasOutline = false;
+}
+
+void ContentInterpreter::ClipToStrings(const std::vector<ClippingText>& strings) {
+    for (const ClippingText& string : strings) {
+        DrawText(string.place, string.codes, TextRendering::kClip);
+    }
+    CloseTextObject();
+    mContext.space.NewPath();
+    State().textRendering = TextRendering::kFill;
+}
+
+// The content of a soft mask may show text itself.
+void ContentInterpreter::PrepareText() {
+    const TextRendering mode = Top().text.rendering;
+    if (mode != TextRendering::kInvisible && mode != TextRendering::kClip) {
+        PreparePaint();
+    }
 }
 
 void ContentInterpreter::HorizontalScaling(Numbers v) {
@@ -141,6 +156,7 @@ void ContentInterpreter::ShowString(Numbers) {
         BadOperands();
         return;
     }
+    PrepareText();
     mCodes.clear();
     AppendString(Operands().back(), mCodes);
     Show(mCodes);
@@ -166,6 +182,7 @@ void ContentInterpreter::ShowStringWithSpacing(Numbers) {
 
 // What no adjustment parts is shown as one string.
 void ContentInterpreter::ShowStrings(Numbers) {
+    PrepareText();
     mCodes.clear();
     for (const Operand& operand : Operands()) {
         if (operand.kind != OperandKind::kNumber) {

@@ -29,6 +29,7 @@ void ContentInterpreter::XObject(Numbers) {
 }
 
 void ContentInterpreter::DrawForm(const QPDFObjectHandle& stream, Resources& resources) {
+    PreparePaint();
     const OpenStreams::Mark mark(mContext.openStreams, stream);
     if (!mark.IsSet()) {
         mContext.reporter.Warn("recursion", "A form that holds itself or is nested too deep");
@@ -36,13 +37,11 @@ void ContentInterpreter::DrawForm(const QPDFObjectHandle& stream, Resources& res
     }
     try {
         const std::shared_ptr<Form> form = mContext.forms.Find(stream);
+        CloseTextAround(*form);
         const Path outerPath = std::exchange(mPath, Path());
         const ScopedLevel level(*this);
-        if (level.IsSaved() && EnterGroup(*form) && Concat(form->matrix)) {
-            if (form->box) {
-                ClipToBox(*form->box);
-            }
-            Play(form->content, form->resources ? *form->resources : resources);
+        if (level.IsSaved() && Concat(form->matrix)) {
+            NeedsGroup(*form) ? DrawGroup(*form, resources) : DrawContent(*form, resources);
         }
         mPath = outerPath;
     } catch (const std::exception& failure) {
@@ -50,23 +49,19 @@ void ContentInterpreter::DrawForm(const QPDFObjectHandle& stream, Resources& res
     }
 }
 
-// The group as a whole takes the alpha of the moment, its content starts afresh. False when nothing
-// of it would be seen.
-bool ContentInterpreter::EnterGroup(const Form& form) {
-    HOST::GraphicsParameters& state = State();
-    if (!form.isGroup) {
-        return true;
+// Only in bad content are forms drawn within a text object, which no recording may begin in.
+void ContentInterpreter::CloseTextAround(const Form& form) {
+    if (mFrame.text.isOpen && mContext.keepsAlpha &&
+        (OwnTransparency() | mContext.transparency.Find(form.resourceDictionary)) != 0) {
+        CloseTextObject();
     }
-    if (state.fillAlpha <= 0.0F) {
-        return false;
+}
+
+void ContentInterpreter::DrawContent(const Form& form, Resources& resources) {
+    if (form.box) {
+        ClipToBox(*form.box);
     }
-    if (form.isKnockout || state.fillAlpha < 1.0F ||
-        state.blendMode != GRAPHICS::TBlendMode::kNormal) {
-        mContext.reporter.Warn("transparency", "A transparency group is painted opaque");
-    }
-    state.fillAlpha = state.strokeAlpha = 1.0F;
-    state.blendMode = GRAPHICS::TBlendMode::kNormal;
-    return true;
+    Play(form.content, form.resources ? *form.resources : resources);
 }
 
 void ContentInterpreter::BeginMark(Numbers) {

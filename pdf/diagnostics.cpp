@@ -26,9 +26,23 @@ void Diagnostics::Warn(std::string_view kind, std::string_view message, int page
     const auto known = mIndex.find(kind);
     if (known != mIndex.end()) {
         ++mWarnings[known->second].count;
-        return;
+    } else {
+        Add(std::string(kind), kind, message, page);
     }
-    mIndex.emplace(kind, mWarnings.size());
+}
+
+void Diagnostics::WarnOfPage(std::string_view kind, std::string_view message, int page) {
+    std::string key = std::string(kind) + ' ' + std::to_string(page);
+    const auto known = mIndex.find(key);
+    if (known != mIndex.end()) {
+        ++mWarnings[known->second].count;
+    } else {
+        Add(std::move(key), kind, message, page);
+    }
+}
+
+void Diagnostics::Add(std::string key, std::string_view kind, std::string_view message, int page) {
+    mIndex.emplace(std::move(key), mWarnings.size());
     mWarnings.push_back({std::string(kind), OneLine(message), page, 1});
     if (mOnFirst) {
         mOnFirst(mWarnings.back());

@@ -26,10 +26,15 @@ public:
 
     void Warn(std::string_view kind, std::string_view message, int page = 0);
 
+    /// Reports a kind once for each page that has it.
+    void WarnOfPage(std::string_view kind, std::string_view message, int page);
+
     /// In the order of first appearance.
     [[nodiscard]] const std::vector<Warning>& Warnings() const { return mWarnings; }
 
 private:
+    void Add(std::string key, std::string_view kind, std::string_view message, int page);
+
     std::function<void(const Warning&)> mOnFirst;
     std::vector<Warning> mWarnings;
     std::map<std::string, std::size_t, std::less<>> mIndex;

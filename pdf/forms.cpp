@@ -45,10 +45,10 @@ std::shared_ptr<Form> FormCache::Find(const QPDFObjectHandle& stream, const char
     form->matrix = MatrixOf(Get(stream, "/Matrix"));
     form->box = RectangleOf(Get(stream, "/BBox"));
     const QPDFObjectHandle group = Get(stream, "/Group");
-    form->isGroup = NameOf(Get(group, "/S")) == "Transparency";
-    form->isKnockout = form->isGroup && BoolOf(Get(group, "/K"), false);
+    form->group = NameOf(Get(group, "/S")) == "Transparency" ? group : QPDFObjectHandle::newNull();
     QPDFObjectHandle resources = Get(stream, "/Resources");
     if (resources.isDictionary()) {
+        form->resourceDictionary = resources;
         form->resources = std::make_unique<Resources>(resources, mColorSpaces);
     }
     if (mForms.size() >= kMaxForms || mBytes + form->content.size() > kMaxBytes) {

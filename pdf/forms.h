@@ -29,8 +29,10 @@ struct Form {
     std::array<double, 6> matrix{1, 0, 0, 1, 0, 0};
     std::optional<std::array<double, 4>> box;
     std::unique_ptr<Resources> resources;  ///< null: those of the content that draws it
-    bool isGroup = false;
-    bool isKnockout = false;
+    /// The group attributes of a transparency group (PDF Reference, 7.5.5), or null.
+    QPDFObjectHandle group;
+    /// The resources as they stand in the document, or null.
+    QPDFObjectHandle resourceDictionary;
 };
 
 /// The forms and cells that are being played. None may hold itself, and there is an end to their

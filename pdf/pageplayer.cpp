@@ -48,6 +48,8 @@ struct PagePlayer::Parts {
                   shadings,
                   patterns,
                   fonts,
+                  transparency,
+                  lostTransparency,
                   openStreams,
                   reporter,
                   theOptions.intent,
@@ -59,6 +61,8 @@ struct PagePlayer::Parts {
             [this](const PatternCell& cell, HOST::BaseConnectionSpace& recording) {
                 recording.Aggregate(&fonts.Broker(), GRAPHICS::IID_IFONTBROKER);
                 PlayContext inner = context.For(recording, openStreams);
+                // What sets no colour cannot be in a group, which begins with one.
+                inner.keepsAlpha = inner.keepsAlpha && cell.isColored;
                 ContentInterpreter::PlayCell(inner, cell);
             });
         // A glyph is recorded wherever the fonts are loaded, which it is not a part of.
@@ -68,6 +72,7 @@ struct PagePlayer::Parts {
             recording.Aggregate(&fonts.Broker(), GRAPHICS::IID_IFONTBROKER);
             OpenStreams open;
             PlayContext inner = context.For(recording, open);
+            inner.keepsAlpha = false;
             ContentInterpreter::PlayGlyph(inner, font, glyph);
         });
     }
@@ -87,6 +92,8 @@ struct PagePlayer::Parts {
     Shadings shadings;
     Patterns patterns;
     Fonts fonts;
+    TransparencySurvey transparency;
+    LostTransparency lostTransparency;
     OpenStreams openStreams;
     PlayContext context;
 };
@@ -169,8 +176,12 @@ void PagePlayer::Parts::PlayPage(int index) {
     ContentInterpreter interpreter(context);
     const ContentInterpreter::ScopedLevel page(interpreter);
     SetUpPage(interpreter, document.Geometry(index, options.box));
-    PlayContent(interpreter, index, resources);
-    PlayAnnotations(interpreter, index, resources);
+    interpreter.DrawPage(document.Attribute(index, "/Group"),
+                         document.Attribute(index, "/Resources"), [&] {
+                             PlayContent(interpreter, index, resources);
+                             PlayAnnotations(interpreter, index, resources);
+                         });
+    lostTransparency.Report(reporter);
 }
 
 void PagePlayer::Parts::PlayAnnotations(ContentInterpreter& interpreter, int index,

@@ -21,6 +21,9 @@ public:
         return mRuns.size() > 1 || (!IsEmpty() && mRuns.front().kind != Kind::kMove);
     }
 
+    /// Coordinates in all.
+    [[nodiscard]] std::size_t Size() const { return mPoints.size(); }
+
     void Clear();
     void MoveTo(float x, float y);
     /// Without a current point this and the curves begin the path at their first point.

@@ -37,8 +37,15 @@ std::shared_ptr<Pattern> Patterns::Find(const Use& use) {
     key += ' ' + std::to_string(use.resources.DefaultsKey()) + ' ' +
            std::to_string(use.outer == nullptr ? 0 : use.outer->id) + ' ' +
            std::to_string(use.underlying == nullptr ? 0 : use.underlying->id);
-    for (const double number : use.parent) {
-        key += ' ' + std::to_string(number);
+    const auto append = [&](const std::array<double, 6>& matrix) {
+        for (const double number : matrix) {
+            key += ' ' + std::to_string(number);
+        }
+    };
+    append(use.parent);
+    append(use.page);
+    if (use.body != nullptr) {
+        append(*use.body);
     }
     const auto known = mPatterns.find(key);
     return known != mPatterns.end() ? known->second
@@ -106,7 +113,8 @@ bool Patterns::MakeTiling(const Use& use, Pattern& pattern) {
     tiling.bounds = {ToFloat(x0), ToFloat(y0), ToFloat(x1 - x0), ToFloat(y1 - y0)};
     tiling.xStep = ToFloat(NumberOf(Get(stream, "/XStep")).value_or(x1 - x0));
     tiling.yStep = ToFloat(NumberOf(Get(stream, "/YStep")).value_or(y1 - y0));
-    tiling.matrix = ToFloats(pattern.matrix);
+    tiling.matrix =
+        ToFloats(use.body == nullptr ? pattern.matrix : Multiply(pattern.matrix, *use.body));
     if (!(x0 < x1) || !(y0 < y1) || tiling.xStep == 0.0F || tiling.yStep == 0.0F ||
         !IsInvertible(pattern.matrix)) {
         return Refuse("its cells have no area");

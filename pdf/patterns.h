@@ -39,6 +39,11 @@ struct Pattern {
     std::shared_ptr<const PatternCell> cell;      ///< of a tiling pattern, or null
     const ColorSpaceEntry* underlying = nullptr;  ///< of the colour of an uncoloured one
     bool isRefused = false;                       ///< the connection space cannot define it
+    // What it was made of, to find it anew where patterns start from another place.
+    QPDFObjectHandle object;
+    Resources* resources = nullptr;
+    std::array<double, 6> parentToUser{};  ///< from the content that selected it
+    const ColorSpaceEntry* selectedWith = nullptr;
 };
 
 /// Makes the host's patterns of PDF patterns (PDF Reference, 4.6), and keeps them as long as pages
@@ -54,7 +59,10 @@ public:
         Resources& resources;                 ///< of the content that uses it
         const std::array<double, 6>& parent;  ///< from that content to the page, or the cell
         const std::array<double, 6>& page;    ///< from there to default user space
-        const PatternCell* outer = nullptr;   ///< the cell that the content belongs to
+        /// Where a tiling pattern starts from default user space, which is not where its content
+        /// is: what leads there from the space of `parent`. Null elsewhere.
+        const std::array<double, 6>* body;
+        const PatternCell* outer = nullptr;           ///< the cell that the content belongs to
         const ColorSpaceEntry* underlying = nullptr;  ///< of the pattern space in force
     };
 

@@ -19,6 +19,11 @@ public:
         mDiagnostics.Warn(kind, message, mPage);
     }
 
+    /// Once for each page, not once for the file.
+    void WarnOfPage(std::string_view kind, std::string_view message) {
+        mDiagnostics.WarnOfPage(kind, message, mPage);
+    }
+
 private:
     Diagnostics& mDiagnostics;
     int mPage = 0;

@@ -39,12 +39,13 @@ public:
     /// Equal for resources that give the device spaces the same meaning.
     std::uint32_t DefaultsKey() { return Defaults().key; }
 
+    /// The spaces that stand for the device spaces.
+    const DefaultSpaces& Defaults();
+
     /// What g, rg and k select here.
     const ColorSpaceEntry& DeviceSpace(std::size_t index);
 
 private:
-    const DefaultSpaces& Defaults();
-
     template <class T>
     using NameMap = std::map<std::string, T, std::less<>>;
 

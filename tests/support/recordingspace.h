@@ -78,6 +78,54 @@ public:
         Write("intent", {static_cast<float>(intent)});
     }
 
+    /// "group 0 0 9 9 isolated cmyk alpha 0.5": the box, flags, space, and how it is painted.
+    bool BeginTransparencyGroup(const float* bbox, const float* matrix, bool isolated,
+                                bool knockout, COLOR::IConnectionColorSpace* space) override {
+        Write("group", bbox, 4);
+        calls.pop_back();
+        calls += matrix == nullptr ? "" : " matrix";
+        calls += isolated ? " isolated" : "";
+        calls += knockout ? " knockout" : "";
+        calls += space == nullptr ? "" : ' ' + SpaceText(space);
+        calls += '\n';
+        TellTransparency();
+        return true;
+    }
+
+    void EndTransparencyGroup() override { Write("endgroup", {}); }
+
+    /// "mask luminosity 0 0 9 9 gray on 0 through power isolated": kind, box, space, backdrop,
+    /// transfer function and flags. When the state lets it go, "unmask" follows.
+    bool BeginSoftMask(COLOR::IColorFunction* transfer, const float* matrix, float x0, float y0,
+                       float x1, float y1, COLOR::IConnectionColorSpace* space,
+                       const float* backdrop, std::uint64_t backdropCount, bool isolated,
+                       bool knockout, GRAPHICS::IGraphicsState::TSoftMaskType type) override {
+        using Type = GRAPHICS::IGraphicsState::TSoftMaskType;
+        Write(type == Type::kLuminosity ? "mask luminosity" : "mask alpha", {x0, y0, x1, y1});
+        calls.pop_back();
+        calls += ' ' + SpaceText(space);
+        Append("on", backdrop, static_cast<std::int32_t>(backdropCount));
+        calls += transfer == nullptr ? "" : " through " + FunctionText(transfer);
+        calls += matrix == nullptr ? "" : " matrix";
+        calls += isolated ? " isolated" : "";
+        calls += knockout ? " knockout" : "";
+        calls += '\n';
+        TellTransparency();
+        return true;
+    }
+
+    void EndSoftMask() override {
+        static constexpr GUID kKey = "0E6A4C11-5F0B-4D3C-8E55-2B7A9A1C6D01"_guid;
+        Write("endmask", {});
+        const auto ending = MakeObject<MaskEnd>(*this);
+        IObject* holder = mGraphicsState->GetSoftMaskHolder();
+        if (holder == nullptr) {
+            Write("?holder", {});
+        } else {
+            holder->Aggregate(ending.Get(), kKey);
+        }
+    }
+
     void SaveInitialPageMatrix() override { Write("initialmatrix", {}); }
 
     /// "font Helvetica 12 1 0 0 1": name, size and the linear part of the text matrix. A matrix
@@ -173,6 +221,19 @@ public:
     }
 
 private:
+    struct MaskEnd : TObject<IObject> {
+        explicit MaskEnd(RecordingSpace& theSpace) : space(theSpace) {}
+
+        ~MaskEnd() override { space.Write("unmask", {}); }
+
+        MaskEnd(const MaskEnd&) = delete;
+        MaskEnd& operator=(const MaskEnd&) = delete;
+        MaskEnd(MaskEnd&&) = delete;
+        MaskEnd& operator=(MaskEnd&&) = delete;
+
+        RecordingSpace& space;
+    };
+
     struct Text : TObject<GRAPHICS::ITextObject> {
         explicit Text(RecordingSpace& theSpace) : space(theSpace) {}
 
@@ -378,6 +439,23 @@ private:
             label += " #" + std::to_string(id);
         }
         Write(label.c_str(), values, count);
+        TellTransparency();
+    }
+
+    /// Appends to the last line what of alpha and blend mode is not as on a new page: "alpha 0.5 1
+    /// blend 1 masked".
+    void TellTransparency() {
+        calls.pop_back();
+        const float fill = mGraphicsState->GetAlpha(true);
+        const float stroke = mGraphicsState->GetAlpha(false);
+        const auto mode = static_cast<int>(mGraphicsState->GetBlendMode());
+        if (fill != 1.0F || stroke != 1.0F) {
+            Write(" alpha", {fill, stroke});
+            calls.pop_back();
+        }
+        calls += mode == 0 ? "" : " blend " + std::to_string(mode);
+        calls += mGraphicsState->GetSoftMaskHolder() == nullptr ? "" : " masked";
+        calls += '\n';
     }
 
     std::vector<ResourceId> mShadingIds;

@@ -102,14 +102,14 @@ TEST(ContentInterpreter, GraphicsStateDictionarySetsWhatItNames) {
         "/ca 0.5 /BM [/Odd /Multiply] /SMask << >> /TR2 /Default /HT 5 >> >>"));
     EXPECT_EQ(play.Content(),
               "dash 2 phase 0\ncap 1\nwidth 3\nintent 2\n"
-              "move 0 0\nline 9 0 9 9 0 9\nclose\nfill gray 0\nnewpath\n");
-    EXPECT_EQ(play.Warnings(), "transparency transfer ");
+              "move 0 0\nline 9 0 9 9 0 9\nclose\nfill gray 0 alpha 0.5 1 blend 1\nnewpath\n");
+    EXPECT_EQ(play.Warnings(), "transfer transparency ");
 }
 
 TEST(ContentInterpreter, WhollyTransparentPaintIsLeftOut) {
     PdfPlay play(
         PdfText::OnePage("/G gs 0 0 9 9 re f 0 0 m 9 9 l S", "/ExtGState << /G << /ca 0 >> >>"));
-    EXPECT_EQ(play.Content(), "move 0 0\nline 9 9\nstroke gray 0\nnewpath\n");
+    EXPECT_EQ(play.Content(), "move 0 0\nline 9 9\nstroke gray 0 alpha 0 1\nnewpath\n");
     EXPECT_EQ(play.Warnings(), "");
 }
 
