@@ -111,7 +111,10 @@ ExitCode Job::PrepareHost() {
         return Fail(ExitCode::kInput,
                     mOptions.input + ": " + std::generic_category().message(errno));
     }
-    digest.Add(OptionsAsJson(mOptions));
+    // What is opaque comes out the same with pdfmarks and without, its names too.
+    Options opaque = mOptions;
+    opaque.policy.Set(KEY::kPdfmarkTransparency, false);
+    digest.Add(OptionsAsJson(opaque));
     mHost->SetRunEnvironment(digest.Value(), RunTime());
     std::string error;
     const std::string plugin = mOptions.plugin.empty() ? HOST::Host::FindPlugin() : mOptions.plugin;

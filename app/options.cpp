@@ -25,6 +25,8 @@ struct RawOptions {
     bool embedProfiles = false;
     bool promoteGray = false;
     bool softMasks = false;
+    bool allStates = false;
+    bool opaquePatterns = false;
     bool noTrueType = false;
     std::vector<std::string> fonts;
     std::string missingFonts = "substitute";
@@ -113,6 +115,10 @@ void DescribeOutput(CLI::App& app, RawOptions& raw) {
     app.add_flag("--soft-masks", raw.softMasks, "Write soft masks even for opaque images");
     app.add_option("--transparency", raw.transparency, "Transparency for distillers: off, pdfmark")
         ->check(CLI::IsMember(std::vector<std::string>{"off", "pdfmark"}));
+    app.add_flag("--all-states", raw.allStates,
+                 "Write the transparency state even before the first mark that is transparent");
+    app.add_flag("--opaque-patterns", raw.opaquePatterns,
+                 "Record the cells of tiling patterns without transparency");
     app.add_option("--encode", raw.encode,
                    "Encodings of binary data: ascii85, flate, runlength; "
                    "flate,ascii85 by default, runlength,ascii85 at level 2");
@@ -183,6 +189,12 @@ bool SetPolicy(Policy& policy, RawOptions& raw, std::string& error) {
     policy.Set(KEY::kEmbedProfiles, raw.embedProfiles);
     policy.Set(KEY::kPromoteGray, raw.promoteGray);
     policy.Set(KEY::kSoftMasks, raw.softMasks);
+    if (raw.allStates) {
+        policy.Set(KEY::kTransparencyWritten, true);
+    }
+    if (raw.opaquePatterns) {
+        policy.Set(KEY::kOpaquePatterns, std::uint8_t{1});
+    }
     policy.Set(KEY::kFlipImages, true);
     policy.Set(KEY::kNoInnerEnd, true);
     if (!SetFilters(policy, raw, error)) {

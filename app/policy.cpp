@@ -33,9 +33,9 @@ constexpr std::array<KeyRule, 16> kKeyRules{{
     {KEY::kEmbedProfiles, Kind::kBool},
     {KEY::kPromoteGray, Kind::kBool},
     {KEY::kAscii85Only, Kind::kBool},
-    {110, Kind::kBool},
+    {KEY::kTransparencyWritten, Kind::kBool},
     {KEY::kSoftMasks, Kind::kBool},
-    {112, Kind::kByte, 0, 255},
+    {KEY::kOpaquePatterns, Kind::kByte, 0, 255},
     {KEY::kFlipImages, Kind::kBool},
     {KEY::kNoInnerEnd, Kind::kBool},
 }};

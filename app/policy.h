@@ -20,7 +20,9 @@ inline constexpr std::int32_t kTrueType = 105;
 inline constexpr std::int32_t kEmbedProfiles = 107;
 inline constexpr std::int32_t kPromoteGray = 108;
 inline constexpr std::int32_t kAscii85Only = 109;
+inline constexpr std::int32_t kTransparencyWritten = 110;
 inline constexpr std::int32_t kSoftMasks = 111;
+inline constexpr std::int32_t kOpaquePatterns = 112;
 inline constexpr std::int32_t kFlipImages = 113;
 inline constexpr std::int32_t kNoInnerEnd = 114;
 }  // namespace KEY
