@@ -49,6 +49,13 @@ public:
         mSpaces += "/" + name + " " + space + " ";
     }
 
+    /// The name, for `gs`, of a graphics state of the given entries.
+    std::string State(const std::string& entries) {
+        std::string name = "/E" + std::to_string(mStateCount++);
+        mStates += name + " << " + entries + " >> ";
+        return name;
+    }
+
     /// Begins a cell in which the operators draw into the unit square.
     Cell& Draw(const std::string& name, const std::string& operators) {
         mContent += "q " + std::to_string(kWidth) + " 0 0 " + std::to_string(kHeight) +
@@ -107,7 +114,8 @@ public:
     [[nodiscard]] std::string Pdf() const {
         return PageOf(mContent,
                       "/XObject << " + mImages + ">> /ColorSpace << " + mSpaces +
-                          ">> /Shading << " + mShadings + ">> /Pattern << " + mPatterns + ">>",
+                          ">> /ExtGState << " + mStates + ">> /Shading << " + mShadings +
+                          ">> /Pattern << " + mPatterns + ">>",
                       mObjects,
                       "/MediaBox [0 0 " + std::to_string(kPitchX * kColumns) + " " +
                           std::to_string(kPageHeight) + "]");
@@ -151,6 +159,8 @@ private:
     std::string mContent;
     std::string mImages;
     std::string mSpaces;
+    std::string mStates;
+    std::size_t mStateCount = 0;
     std::string mShadings;
     std::string mPatterns;
 };
