@@ -26,6 +26,11 @@ void FillFileTypeDictionary(IO::IDictionary& dictionary) {
     dictionary.SetWideString(3, u"PS Format");
 }
 
+/// The space of a job as the plug-in made it (borrowed), or null.
+PS::PostScriptConnectionSpace* DrawingOf(const TInterfacePtr<IDelegateConnectionSpace>& job) {
+    return FindInterface<PS::PostScriptConnectionSpace>(job.Get(), CLSID_POSTSCRIPTCONNECTIONSPACE);
+}
+
 }  // namespace
 
 IObject* CreateIGraphicExporter(IClassFactory* factory) {
@@ -108,8 +113,7 @@ Status PostscriptExporter::End() {
         LogError(kModule) << "No document was aggregated to the target connection space. Bad!";
         return STATUS::kOk;
     }
-    if (auto* drawing = FindInterface<PS::PostScriptConnectionSpace>(
-            space.Get(), CLSID_POSTSCRIPTCONNECTIONSPACE)) {
+    if (auto* drawing = DrawingOf(space)) {
         drawing->CloseGroups();
     }
     document->WriteTrailer();
@@ -123,6 +127,11 @@ PostscriptExporter::~PostscriptExporter() {
     // Without the lock somebody still draws or ends: their job is better released than kept
     // forever.
     const auto lock = mLock.Enter();
+    for (const Job& job : mJobs) {
+        if (auto* drawing = DrawingOf(job)) {
+            drawing->ForgetSoftMasks();
+        }
+    }
     mJobs.clear();
 }
 

@@ -26,7 +26,7 @@ namespace VANTIX::PS {
 class FormObject;
 class PSTextObject;
 class PostScriptOutputContext;
-class SpaceLink;
+class SoftMaskMessenger;
 class TilingPatterPSConnectionSpace;
 
 /// What the policy dictionary asks of a job, with the values that hold for absent keys.
@@ -157,6 +157,15 @@ public:
     /// Ends all groups that are open (logged). Soft masks that the host still holds do nothing when
     /// it lets them go.
     void CloseGroups();
+
+    // Those that hold this space.
+    void AddMessenger(SoftMaskMessenger& messenger) { mMessengers.insert(&messenger); }
+
+    void RemoveMessenger(SoftMaskMessenger& messenger) { mMessengers.erase(&messenger); }
+
+    /// Soft masks that the host still holds no longer keep this space alive, and do nothing when it
+    /// lets them go. The caller holds the space.
+    void ForgetSoftMasks();
 
     /// The names that exist in the document.
     virtual DefinedNames& Names() { return mNames; }
@@ -353,7 +362,7 @@ private:
     std::set<ResourceId> mColorSpaceUses;
     std::map<ResourceId, std::string> mResources;
     DefinedNames mNames;
-    TInterfacePtr<SpaceLink> mLink;
+    std::set<SoftMaskMessenger*> mMessengers;
     std::vector<OpenSoftMask> mSoftMasks;
     std::vector<std::int32_t> mVainGroups;  // depths of groups without a recording
     std::int32_t mOpenForms = 0;

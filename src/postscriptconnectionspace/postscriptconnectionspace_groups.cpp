@@ -358,7 +358,7 @@ void PostScriptConnectionSpace::FinishSoftMask() {
         LogError(kModule) << "Expected a soft mask here.";
         return;
     }
-    const auto messenger = MakeObject<SoftMaskMessenger>(*mLink);
+    const auto messenger = MakeObject<SoftMaskMessenger>(*this);
     SaveGraphicsState();
     WriteDefaultColour(nullptr);
     // Without a holder the messenger goes at once, and ends what the mask would apply to.
@@ -394,7 +394,13 @@ void PostScriptConnectionSpace::CloseGroups() {
     }
     CloseFormsAbove(nullptr);
     LeaveGroupsAbove(0);
-    mLink->space = nullptr;
+    ForgetSoftMasks();
+}
+
+void PostScriptConnectionSpace::ForgetSoftMasks() {
+    for (SoftMaskMessenger* messenger : std::exchange(mMessengers, {})) {
+        messenger->Forget();
+    }
 }
 
 void PostScriptConnectionSpace::EndMaskedGroup() {

@@ -11,7 +11,6 @@
 #include "postscriptconnectionspace/postscriptoutputcontext.h"
 #include "postscriptconnectionspace/pstextobject.h"
 #include "postscriptconnectionspace/softmaskgroup.h"
-#include "postscriptconnectionspace/softmaskmessenger.h"
 
 namespace VANTIX::PS {
 
@@ -53,12 +52,9 @@ IObject* CreatePostScriptConnectionSpace() {
     return new PostScriptConnectionSpace;
 }
 
-PostScriptConnectionSpace::PostScriptConnectionSpace() : mLink(MakeObject<SpaceLink>()) {
-    mLink->space = this;
-}
+PostScriptConnectionSpace::PostScriptConnectionSpace() = default;
 
 PostScriptConnectionSpace::~PostScriptConnectionSpace() {
-    mLink->space = nullptr;
     for (const ResourceId id : mColorSpaceUses) {
         if (const auto space = FindColorSpace(id); KeepsResourceName(space.Get())) {
             space->Disaggregate(IO::IID_IDICTIONARY);

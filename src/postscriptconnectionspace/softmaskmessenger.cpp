@@ -5,10 +5,15 @@
 
 namespace VANTIX::PS {
 
+SoftMaskMessenger::SoftMaskMessenger(PostScriptConnectionSpace& space) : mSpace(&space) {
+    space.AddMessenger(*this);
+}
+
 SoftMaskMessenger::~SoftMaskMessenger() {
-    if (mLink->space != nullptr) {
-        mLink->space->RestoreGraphicsState();
-        mLink->space->EndMaskedGroup();
+    if (mSpace) {
+        mSpace->RemoveMessenger(*this);
+        mSpace->RestoreGraphicsState();
+        mSpace->EndMaskedGroup();
     }
 }
 

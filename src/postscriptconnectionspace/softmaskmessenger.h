@@ -8,18 +8,12 @@ namespace VANTIX::PS {
 
 class PostScriptConnectionSpace;
 
-/// The way back to a connection space for objects that may outlive it.
-class SpaceLink : public TObject<IObject> {
-public:
-    /// Not referenced; null when the space writes no more.
-    PostScriptConnectionSpace* space = nullptr;
-};
-
-/// Ends what a soft mask applies to when the host lets it go. The host keeps it where the mask is
-/// in force: in a graphics state that the connection space may own, so it holds the link alone.
+/// Ends what a soft mask applies to when the host lets it go. It keeps the connection space alive
+/// until then or until the job ends: the host may hold it in a graphics state that the space itself
+/// owns, so the space makes all of them forget it.
 class SoftMaskMessenger : public TObject<IObject> {
 public:
-    explicit SoftMaskMessenger(SpaceLink& link) : mLink(&link) {}
+    explicit SoftMaskMessenger(PostScriptConnectionSpace& space);
 
     SoftMaskMessenger(const SoftMaskMessenger&) = delete;
     SoftMaskMessenger& operator=(const SoftMaskMessenger&) = delete;
@@ -28,8 +22,11 @@ public:
 
     ~SoftMaskMessenger() override;
 
+    /// The job has ended: nothing is left to be done.
+    void Forget() { mSpace = nullptr; }
+
 private:
-    TInterfacePtr<SpaceLink> mLink;
+    TInterfacePtr<PostScriptConnectionSpace> mSpace;
 };
 
 }  // namespace VANTIX::PS

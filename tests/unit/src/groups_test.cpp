@@ -275,6 +275,7 @@ TEST_F(Groups, AMessengerThatOutlivesTheJobDoesNothing) {
             space->CloseGroups();
             EXPECT_EQ(Count(Written(), "/EP pdfmark"), 2U);
         } else {
+            space->ForgetSoftMasks();
             space = nullptr;
         }
         page->Take();
@@ -283,13 +284,18 @@ TEST_F(Groups, AMessengerThatOutlivesTheJobDoesNothing) {
     }
 }
 
-TEST_F(Groups, AnOpenMaskDoesNotKeepTheJobAlive) {
+TEST_F(Groups, AMaskKeepsTheJobAliveUntilItEnds) {
     Start();
     front->own->softMaskHolder = MakeObject<Holder>();
     BeginMask();
     space->EndSoftMask();
-    EXPECT_EQ(space->AddRef(), 2U);
-    EXPECT_EQ(space->Release(), 1U);
+    const auto references = [&] {
+        space->AddRef();
+        return space->Release();
+    };
+    EXPECT_EQ(references(), 2U);
+    front->own->softMaskHolder = nullptr;
+    EXPECT_EQ(references(), 1U);
 }
 
 TEST_F(Groups, AMaskSaysBackdropAndTransferAsPostScriptHasThem) {
