@@ -99,7 +99,7 @@ FontProgram& FontPrograms::Open(const std::string& key, std::vector<std::uint8_t
     } else if (IsCff(bytes)) {
         OpenCff(std::move(bytes), use, program);
     } else {
-        program.type1 = HOST::Type1Program::Open(std::move(bytes), program.problem);
+        program.type1 = HOST::Type1Program::Open(bytes, program.problem);
     }
     if (program.type1) {
         program.type1->Rename(program.name);

@@ -74,7 +74,8 @@ private:
         ShownCodes* font = nullptr;
         bool isHidden = false;
 
-        // NOLINTNEXTLINE(modernize-use-nullptr): it sees what the operator expands to
+        // What the operator expands to is not ours.
+        // NOLINTNEXTLINE(modernize-use-nullptr,readability-implicit-bool-conversion)
         auto operator<=>(const Text&) const = default;
     };
 
