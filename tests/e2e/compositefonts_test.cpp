@@ -209,8 +209,8 @@ TEST(MissingCompositeFont, HasVerticalFormsOfASubstitute) {
         ASSERT_EQ(drawn.pages.size(), 1U);
         std::size_t inside = 0;
         std::size_t outside = 0;
-        for (int y = 0; y < 100; ++y) {
-            for (int x = 0; x < 100; ++x) {
+        for (std::size_t y = 0; y < 100; ++y) {
+            for (std::size_t x = 0; x < 100; ++x) {
                 const bool isInside = x >= 50 && y >= 10 && y < 50;
                 (isInside ? inside : outside) += drawn.pages[0].At(x, y, 0) < 128 ? 1 : 0;
             }

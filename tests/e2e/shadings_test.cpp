@@ -533,6 +533,7 @@ TEST(DamagedShadings, LeaveTheRestOfThePageIntact) {
     const std::vector<std::string> gradients = {
         axial + "/Function " + gray + " >>", axial + "/Domain [1 1] /Function " + function + " >>",
         axial + ">>"};
+    const std::string sound = axial + "/Function " + function + " >>";
     const std::vector<std::string> meshes = {StreamOf(triangle, mesh + "/Decode [0 1 0 1 0 1 0 1]"),
                                              StreamOf(triangle.substr(0, 11), mesh + decode),
                                              StreamOf(triangle + "\1\2", mesh + decode)};
@@ -547,7 +548,7 @@ TEST(DamagedShadings, LeaveTheRestOfThePageIntact) {
             sheet.Shading("damaged", shading).isJudged = false;
             sheet.Pattern("damaged", shading, "0 0 1 1 re f").isJudged = false;
         }
-        sheet.Shading("sound", axial + "/Function " + function + " >>");
+        sheet.Shading("sound", sound);
         const TemporaryFolder folder;
         const std::string input = folder.File("sheet.pdf");
         const std::string output = folder.File("sheet.ps");
