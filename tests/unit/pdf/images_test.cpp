@@ -20,7 +20,8 @@ struct Case {
 
 // Object 20 is the image, 21 a DeviceN tint function, 22 a Separation's.
 std::string PlayImage(const std::string& entries, const std::string& data, std::string& warnings,
-                      const std::string& content = "/I Do", PDF::ReaderOptions options = {}) {
+                      const std::string& content = "/I Do",
+                      const PDF::ReaderOptions& options = {}) {
     PdfText pdf = PdfText::OnePage(content, "/XObject << /I 20 0 R >>");
     pdf.Stream(
         20, data,

@@ -180,7 +180,7 @@ TEST(SoftMask, TextObjectsAreClosedAroundIt) {
 // A group takes over the mask of what it is drawn in, whether that was drawn through it or not.
 TEST(SoftMask, GroupsInAMaskedGroupHaveANeutralOne) {
     const std::string box = "move 0 0; line 7 0 7 7 0 7; close; ";
-    EXPECT_EQ(Played("/M gs /F Do", "/X << /ca 0.5 >>").find("?"), std::string::npos);
+    EXPECT_EQ(Played("/M gs /F Do", "/X << /ca 0.5 >>").find('?'), std::string::npos);
     PdfText pdf = Masked("/M gs /F Do");
     pdf.Stream(7, "/Half gs /F1 Do 1 1 m 2 2 l S",
                "/Subtype /Form /BBox [0 0 7 7] /Group << /S /Transparency >> /Resources << "
