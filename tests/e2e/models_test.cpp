@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <fstream>
+#include <iterator>
 #include <ostream>
 #include <set>
 #include <sstream>
@@ -594,47 +595,87 @@ INSTANTIATE_TEST_SUITE_P(Sheets, KeptLight,
                                          "Bilevel"),
                          NameOfCase());
 
-/// Prints the families of the colour spaces that a job selects, of palettes their bases', one a
-/// line.
+/// Prints the families of the colour spaces that a job selects, with what they lie over, and of
+/// those that its images and shadings name; of palettes their bases'. One a line.
 constexpr const char* kRecorder = R"(%!PS
-/selected { dup type /arraytype eq { dup 0 get /Indexed eq { 1 get } if } if
-  dup type /arraytype eq { 0 get } if = } bind def
+/selected { dup type /arraytype ne { = } {
+  dup 0 get /Indexed eq { 1 get selected } {
+    dup 0 get dup = dup /Separation eq exch /DeviceN eq or { dup 2 get selected } if
+    dup 0 get /Pattern eq 1 index length 1 gt and { dup 1 get selected } if pop
+  } ifelse } ifelse } bind def
+/named { { exch pop dup type /dicttype eq { dup /ColorSpace known { dup /ColorSpace get selected } if
+  named } { pop } ifelse } forall } bind def
+/painted { dup type /dicttype eq { currentcolorspace selected dup /ColorSpace known
+  { dup /ColorSpace get selected } if dup named } { /DeviceGray selected } ifelse } bind def
 /setcolorspace { dup selected setcolorspace } bind def
+/image { painted image } bind def
+/imagemask { currentcolorspace selected imagemask } bind def
+/colorimage { /colorimage = colorimage } bind def
 /shfill { dup /ColorSpace get selected shfill } bind def
 /setgray { /DeviceGray selected setgray } bind def
 /setrgbcolor { /DeviceRGB selected setrgbcolor } bind def
 /setcmykcolor { /DeviceCMYK selected setcmykcolor } bind def
 )";
 
-class SelectedSpaces : public testing::TestWithParam<const char*> {};
+using Spaces = std::set<std::string>;
 
-// Plates would not tell: interpreters spread CIE-based gray over all inks.
-TEST_P(SelectedSpaces, AreThoseOfTheModel) {
-    const std::pair<const char*, std::set<std::string>> kModels[] = {
-        {"rgb", {"DeviceGray", "DeviceRGB", "Pattern"}},
-        {"rgb-managed", {"DeviceGray", "DeviceRGB", "Pattern"}},
-        {"gray", {"DeviceGray", "Pattern"}},
-        {"gray-managed", {"DeviceGray", "Pattern"}},
-        {"gray-100", {"DeviceGray", "Pattern"}},
-        {"gray-calibrated", {"CIEBasedA", "DeviceGray", "Pattern"}}};
+/// The families that the tool's output for a PDF selects.
+Spaces SelectedBy(const std::string& input, const char* model) {
     const TemporaryFolder folder;
     const std::string output = folder.File("job.ps");
-    for (const auto& [model, spaces] : kModels) {
+    const ChildResult run = RunTool({"--color", model, input, output});
+    EXPECT_EQ(run.exitStatus, kDone) << run.errors;
+    const ProgramOutput printed = RunPostScript(kRecorder + ReadFile(output));
+    EXPECT_EQ(printed.complaint, "");
+    std::istringstream lines(printed.text);
+    return {std::istream_iterator<std::string>(lines), std::istream_iterator<std::string>()};
+}
+
+// Plates would not tell: interpreters spread CIE-based gray over all inks.
+void ExpectSpacesOfTheModels(const std::string& input, bool isCalibrated) {
+    const Spaces light{"DeviceGray", "DeviceRGB", "Pattern"};
+    const Spaces gray{"DeviceGray", "Pattern"};
+    const std::pair<const char*, Spaces> kModels[] = {
+        {"rgb", light},     {"rgb-managed", light},
+        {"gray", gray},     {"gray-managed", gray},
+        {"gray-100", gray}, {"gray-calibrated", {"CIEBasedA", "DeviceGray", "Pattern"}}};
+    for (const auto& [model, allowed] : kModels) {
         SCOPED_TRACE(model);
-        const ChildResult run = RunTool({"--color", model, CasePath(GetParam()), output});
-        ASSERT_EQ(run.exitStatus, kDone) << run.errors;
-        const ProgramOutput printed = RunPostScript(kRecorder + ReadFile(output));
-        EXPECT_EQ(printed.complaint, "");
-        EXPECT_NE(printed.text, "");
-        std::istringstream lines(printed.text);
-        for (std::string space; std::getline(lines, space);) {
-            EXPECT_EQ(spaces.count(space), 1U) << space;
+        const Spaces selected = SelectedBy(input, model);
+        EXPECT_FALSE(selected.empty());
+        for (const std::string& space : selected) {
+            EXPECT_EQ(allowed.count(space), 1U) << space;
+        }
+        if (isCalibrated && std::string_view(model) == "gray-calibrated") {
+            EXPECT_EQ(selected.count("CIEBasedA"), 1U);
         }
     }
 }
 
+class SelectedSpaces : public testing::TestWithParam<const char*> {};
+
+TEST_P(SelectedSpaces, AreThoseOfTheModel) {
+    ExpectSpacesOfTheModels(CasePath(GetParam()), false);
+}
+
 INSTANTIATE_TEST_SUITE_P(Cases, SelectedSpaces,
                          testing::Values("default-spaces", "nchannel", "separation-exponential"),
+                         NameOfCase());
+
+class SheetSpaces : public testing::TestWithParam<const char*> {};
+
+TEST_P(SheetSpaces, AreThoseOfTheModel) {
+    Sheet sheet;
+    ImageSheet(GetParam()).draw(sheet);
+    const std::string_view name = GetParam();
+    const bool isCalibrated = name.substr(0, 3) == "Icc" || name.substr(0, 3) == "Cal";
+    ExpectSpacesOfTheModels(Job(sheet).Input(), isCalibrated);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sheets, SheetSpaces,
+                         testing::Values("IccGray", "IccRgb", "IccCmyk", "CalGray", "CalRgb", "Lab",
+                                         "Separation", "DeviceN", "IndexedIcc", "IndexedSeparation",
+                                         "Inline", "Stencils", "Masks"),
                          NameOfCase());
 
 TEST(ModelsWithGaps, AreToldOf) {
