@@ -15,16 +15,6 @@
 
 namespace VANTIX::TEST {
 
-/// A colour, and what a plain and a colour-managed delegate made with the options write for it.
-struct ColourCase {
-    const char* name;
-    TInterfacePtr<COLOR::IConnectionColorSpace> (*space)();
-    std::vector<float> color;
-    const char* plain;
-    const char* managed;
-    std::uint32_t options = 0;
-};
-
 /// What a colour delegate finds around it: a factory, a graphics state and an output context that
 /// notes what it is asked.
 class DelegateFixture : public ::testing::Test {
@@ -50,15 +40,6 @@ protected:
         state->color = std::move(color);
         delegate.SetColorSpaceAndValues(state->space.Get(), state->color.data(),
                                         static_cast<std::int32_t>(state->color.size()), true);
-    }
-
-    void ExpectColours(const ColourCase& tested, RENDERING::IConnectionSpaceDelegate& plain,
-                       RENDERING::IConnectionSpaceDelegate& managed) {
-        Paint(plain, tested.space(), tested.color);
-        EXPECT_EQ(out->Take(), tested.plain);
-        Paint(managed, tested.space(), tested.color);
-        EXPECT_EQ(out->Take(), tested.managed);
-        EXPECT_EQ(log.Messages(), "");
     }
 
     RecordingLogger& log = RecordingLogger::Get();

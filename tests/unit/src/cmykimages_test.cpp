@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "cmykcompositeconnectionspacedelegate/cmykcompositeconnectionspacedelegate.h"
-#include "support/imagefixture.h"
+#include "hexlines.h"
 
 namespace VANTIX::TEST {
 namespace {
@@ -54,13 +54,12 @@ struct RasterCase {
     FourCC family;
     bool hasProfile;
     std::int32_t bits;
-    std::vector<Line> planes;
     std::int32_t width;
-    std::uint32_t options;
+    const char* planes;
     const char* space;  ///< text of the space
     const char* bitsAndDecode;
-    Line written;
-    Line managed{};  ///< where it differs
+    const char* written;
+    const char* managed = "";  ///< where it differs
 };
 
 constexpr const char* kCmyk = "/DeviceCMYK setcolorspace\n";
@@ -78,122 +77,43 @@ TEST_P(RastersInInks, HaveSpaceDepthAndSamples) {
     } else {
         space = MakeObject<FakeDeviceSpace>(tested.family);
     }
-    const auto raster = Raster(space, tested.width, tested.bits, tested.planes);
-    const auto expect = [&](const Line& written) {
+    const auto raster =
+        Raster(space, tested.width, tested.bits, Planes(tested.planes, tested.bits));
+    const auto expect = [&](const char* written) {
         EXPECT_EQ(ColourText(), tested.space);
         EXPECT_EQ(Run("currentcolorspace length ="), ColourText()[0] == '[' ? "4\n" : "1\n");
         EXPECT_EQ(Entry("BitsPerComponent") + Entry("Decode"), tested.bitsAndDecode);
-        EXPECT_EQ(samples, written);
+        EXPECT_EQ(samples, Bytes(written));
         EXPECT_EQ(log.Messages(), "");
     };
-    DrawAs<Plain>(*raster, tested.options);
+    DrawAs<Plain>(*raster);
     expect(tested.written);
     if (!tested.hasProfile) {
-        DrawAs<Managed>(*raster, tested.options);
-        expect(tested.managed.empty() ? tested.written : tested.managed);
+        DrawAs<Managed>(*raster);
+        expect(*tested.managed == 0 ? tested.written : tested.managed);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, RastersInInks,
-    testing::Values(
-        RasterCase{"Cmyk8",
-                   "cmyk"_cc,
-                   false,
-                   8,
-                   {{1}, {2}, {3}, {4}},
-                   1,
-                   0,
-                   kCmyk,
-                   kBits8,
-                   {1, 2, 3, 4},
-                   {1, 2, 3, 0}},
-        RasterCase{"CmykProfile8",
-                   "cmyk"_cc,
-                   true,
-                   8,
-                   {{1}, {2}, {3}, {4}},
-                   1,
-                   0,
-                   kCmyk,
-                   kBits8,
-                   {1, 2, 3, 4}},
-        RasterCase{"Cmyk16",
-                   "cmyk"_cc,
-                   false,
-                   16,
-                   {Words({0x1110}), Words({0x2220}), Words({0x3330}), Words({0x4440})},
-                   1,
-                   0,
-                   kCmyk,
-                   kBits12,
-                   {0x11, 0x12, 0x22, 0x33, 0x34, 0x44},
-                   {0x11, 0x12, 0x22, 0x33, 0x30, 0x00}},
-        RasterCase{"Rgb8",
-                   "rgb "_cc,
-                   false,
-                   8,
-                   {{1, 4}, {2, 5}, {3, 6}},
-                   2,
-                   0,
-                   kCmyk,
-                   kBits8,
-                   {1, 2, 3, 0, 4, 5, 6, 0}},
-        RasterCase{"RgbProfile8",
-                   "rgb "_cc,
-                   true,
-                   8,
-                   {{1, 4}, {2, 5}, {3, 6}},
-                   2,
-                   0,
-                   kCmyk,
-                   kBits8,
-                   {1, 2, 3, 0, 4, 5, 6, 0}},
-        RasterCase{"Rgb16",
-                   "rgb "_cc,
-                   false,
-                   16,
-                   {Words({0x1110}), Words({0x2220}), Words({0x3330})},
-                   1,
-                   0,
-                   kCmyk,
-                   kBits12,
-                   {0x11, 0x12, 0x22, 0x33, 0x30, 0x00}},
-        RasterCase{"Lab8", "clab"_cc, true, 8, {{1}, {2}, {3}}, 1, 0, kCmyk, kBits8, {1, 2, 3, 0}},
-        RasterCase{"Gray1",
-                   "gray"_cc,
-                   false,
-                   1,
-                   {{0xA5, 0xE0}},
-                   11,
-                   0,
-                   "[/Indexed /DeviceCMYK 1 <000000FF 00000000>]\n setcolorspace\n",
-                   "1[0 1]",
-                   {0xA5, 0xE0}},
-        RasterCase{"Gray4", "gray"_cc, false, 4, {{0x1B}}, 2, 0, kGray, "4[0 1]", {0x1B}},
-        RasterCase{"Gray8", "gray"_cc, false, 8, {{0, 9}}, 2, 0, kGray, "8[0 1]", {0, 9}},
-        RasterCase{"Gray16HasItsHighBytes",
-                   "gray"_cc,
-                   false,
-                   16,
-                   {Words({0x1234, 0xFFEE})},
-                   2,
-                   0,
-                   kGray,
-                   "8[0 1]",
-                   {0x12, 0xFF}},
-        RasterCase{"GrayProfile1", "gray"_cc, true, 1, {{0xA5}}, 8, 0, kGray, "1[0 1]", {0xA5}},
-        RasterCase{"GrayProfile16",
-                   "gray"_cc,
-                   true,
-                   16,
-                   {Words({0xABCD, 0x1234})},
-                   2,
-                   0,
-                   kGray,
-                   "12[0 1]",
-                   {0xAB, 0xC1, 0x23}}),
-    [](const auto& tested) { return std::string(tested.param.name); });
+const RasterCase kRasters[] = {
+    {"Cmyk8", "cmyk"_cc, false, 8, 1, "01 02 03 04", kCmyk, kBits8, "01020304", "01020300"},
+    {"CmykProfile8", "cmyk"_cc, true, 8, 1, "01 02 03 04", kCmyk, kBits8, "01020304"},
+    {"Cmyk16", "cmyk"_cc, false, 16, 1, "1110 2220 3330 4440", kCmyk, kBits12, "111222333444",
+     "111222333000"},
+    {"Rgb8", "rgb "_cc, false, 8, 2, "0104 0205 0306", kCmyk, kBits8, "0102030004050600"},
+    {"RgbProfile8", "rgb "_cc, true, 8, 2, "0104 0205 0306", kCmyk, kBits8, "0102030004050600"},
+    {"Rgb16", "rgb "_cc, false, 16, 1, "1110 2220 3330", kCmyk, kBits12, "111222333000"},
+    {"Lab8", "clab"_cc, true, 8, 1, "01 02 03", kCmyk, kBits8, "01020300"},
+    {"Gray1", "gray"_cc, false, 1, 11, "A5E0",
+     "[/Indexed /DeviceCMYK 1 <000000FF 00000000>]\n setcolorspace\n", "1[0 1]", "A5E0"},
+    {"Gray4", "gray"_cc, false, 4, 2, "1B", kGray, "4[0 1]", "1B"},
+    {"Gray8", "gray"_cc, false, 8, 2, "0009", kGray, "8[0 1]", "0009"},
+    {"Gray16HasItsHighBytes", "gray"_cc, false, 16, 2, "1234FFEE", kGray, "8[0 1]", "12FF"},
+    {"GrayProfile1", "gray"_cc, true, 1, 8, "A5", kGray, "1[0 1]", "A5"},
+    {"GrayProfile16", "gray"_cc, true, 16, 2, "ABCD1234", kGray, "12[0 1]", "ABC123"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, RastersInInks, testing::ValuesIn(kRasters),
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_F(CmykImages, OtherSpacesAreConverted) {
     const auto spot = MakeObject<FakeSeparationSpace>("Orange", cmyk, nullptr);
@@ -210,40 +130,28 @@ TEST_F(CmykImages, PromotedGrayIsAPaletteInBlackInk) {
     struct Promoted {
         std::int32_t bits;
         float black;
-        Line line;
+        const char* line;
         const char* palette;  ///< its begin
         const char* bitsAndDecode;
-        Line written;
+        const char* written;
     };
 
     const Promoted kCases[] = {
-        {2,
-         1,
-         {0x1B},
-         "[/Indexed /DeviceCMYK 3 <\n000000FF\n000000AA 00000056 00000001 >] ",
-         "2[0 3]",
-         {0x1B}},
-        {2,
-         0,
-         {0x1B},
-         "[/Indexed /DeviceCMYK 3 <\n000000FF\n000000FF 000000FF 000000FF >] ",
-         "2[0 3]",
-         {0x1B}},
-        {4, 1, {0x1B}, "[/Indexed /DeviceCMYK 15 <\n000000FF\n000000EE ", "4[0 15]", {0x1B}},
-        {8, 1, {5, 6}, "[/Indexed /DeviceCMYK 255 <\n000000FF\n000000", "8[0 255]", {5, 6}},
-        {16,
-         1,
-         Words({0x1234, 0xFFEE}),
-         "[/Indexed /DeviceCMYK 255 <\n000000FF\n",
-         "8[0 255]",
-         {0x12, 0xFF}},
+        {2, 1, "1B", "[/Indexed /DeviceCMYK 3 <\n000000FF\n000000AA 00000056 00000001 >] ",
+         "2[0 3]", "1B"},
+        {2, 0, "1B", "[/Indexed /DeviceCMYK 3 <\n000000FF\n000000FF 000000FF 000000FF >] ",
+         "2[0 3]", "1B"},
+        {4, 1, "1B", "[/Indexed /DeviceCMYK 15 <\n000000FF\n000000EE ", "4[0 15]", "1B"},
+        {8, 1, "0506", "[/Indexed /DeviceCMYK 255 <\n000000FF\n000000", "8[0 255]", "0506"},
+        {16, 1, "1234FFEE", "[/Indexed /DeviceCMYK 255 <\n000000FF\n", "8[0 255]", "12FF"},
     };
     for (const Promoted& tested : kCases) {
         destination = MakeObject<Inks>(tested.black);
-        DrawAs(*Raster(gray, 2, tested.bits, {tested.line}), OPTION::kPromoteGray);
+        DrawAs(*Raster(gray, 2, tested.bits, Planes(tested.line, tested.bits)),
+               OPTION::kPromoteGray);
         EXPECT_EQ(ColourText().substr(0, std::string(tested.palette).size()), tested.palette);
         EXPECT_EQ(Entry("BitsPerComponent") + Entry("Decode"), tested.bitsAndDecode);
-        EXPECT_EQ(samples, tested.written);
+        EXPECT_EQ(samples, Bytes(tested.written));
         // One entry of four inks for each gray.
         EXPECT_EQ(Run("currentcolorspace dup 2 get 1 add 4 mul exch 3 get length eq ="), "true\n");
     }
@@ -419,10 +327,10 @@ struct PaletteCase {
     const char* name;
     TInterfacePtr<COLOR::IConnectionColorSpace> (*base)();
     std::int32_t bits;
-    Line table;
-    std::uint32_t options;
+    const char* table;
     const char* plain;
     const char* managed;
+    std::uint32_t options = 0;
 };
 
 class CmykPalettes : public CmykImages, public testing::WithParamInterface<PaletteCase> {};
@@ -430,8 +338,8 @@ class CmykPalettes : public CmykImages, public testing::WithParamInterface<Palet
 TEST_P(CmykPalettes, AreBroughtIntoInksOrStayGray) {
     const PaletteCase& tested = GetParam();
     destination = MakeObject<Inks>(1.0F);
-    const auto raster =
-        Raster(MakeObject<FakeIndexedSpace>(tested.base(), tested.table), 1, tested.bits, {{0}});
+    const auto raster = Raster(MakeObject<FakeIndexedSpace>(tested.base(), Bytes(tested.table)), 1,
+                               tested.bits, {{0}});
     DrawAs<Plain>(*raster, tested.options);
     EXPECT_EQ(ColourText(), std::string(tested.plain) + " setcolorspace\n");
     EXPECT_EQ(Run("currentcolorspace 0 get =="), "/Indexed\n");
@@ -452,62 +360,29 @@ TInterfacePtr<COLOR::IConnectionColorSpace> Spot() {
 
 constexpr const char* kTwoGrays = "[/Indexed /DeviceGray 1 <\nFF 00 >] ";
 
+constexpr const char* kThreeInks = "[/Indexed /DeviceCMYK 2 <\n00000000 FFFFFF00 CCCCCC00 >] ";
+constexpr const char* kTwoTints = "[/Indexed /DeviceCMYK 1 <\n00000000 FFFFFF00 >] ";
+constexpr const char* kThreeGrays = "[/Indexed /DeviceGray 2 <\n01 02 03 >] ";
+constexpr const char* kBlacks = "[/Indexed /DeviceCMYK 2 <\n00000001 000000FF 000000CC >] ";
+
 // The destination takes the first component in all inks but black.
-INSTANTIATE_TEST_SUITE_P(
-    Bases, CmykPalettes,
-    testing::Values(
-        PaletteCase{"Cmyk",
-                    Of<FakeDeviceSpace, "cmyk"_cc>,
-                    8,
-                    {1, 2, 3, 4, 255, 254, 253, 0, 0, 0, 0, 0},
-                    0,
-                    "[/Indexed /DeviceCMYK 2 <\nFEFDFCFB 000102FF FFFFFFFF >] ",
-                    "[/Indexed /DeviceCMYK 2 <\nFEFEFE00 00000000 FFFFFF00 >] "},
-        PaletteCase{"Rgb",
-                    Of<FakeDeviceSpace, "rgb "_cc>,
-                    8,
-                    {255, 9, 9, 0, 9, 9, 51, 9, 9},
-                    0,
-                    "[/Indexed /DeviceCMYK 2 <\n00000000 FFFFFF00 CCCCCC00 >] ",
-                    "[/Indexed /DeviceCMYK 2 <\n00000000 FFFFFF00 CCCCCC00 >] "},
-        PaletteCase{"Spot",
-                    Spot,
-                    1,
-                    {255, 0},
-                    0,
-                    "[/Indexed /DeviceCMYK 1 <\n00000000 FFFFFF00 >] ",
-                    "[/Indexed /DeviceCMYK 1 <\n00000000 FFFFFF00 >] "},
-        PaletteCase{"Gray",
-                    Of<FakeDeviceSpace, "gray"_cc>,
-                    8,
-                    {1, 2, 3},
-                    0,
-                    "[/Indexed /DeviceGray 2 <\n01 02 03 >] ",
-                    "[/Indexed /DeviceGray 2 <\n01 02 03 >] "},
-        PaletteCase{
-            "BlackAndWhite", Of<FakeDeviceSpace, "gray"_cc>, 1, {255, 0}, 0, kTwoGrays, kTwoGrays},
-        PaletteCase{"BlackAndWhiteProfile",
-                    Of<FakeProfileSpace, "gray"_cc>,
-                    1,
-                    {255, 0},
-                    0,
-                    kTwoGrays,
-                    kTwoGrays},
-        PaletteCase{"BlackAndWhiteInCalibratedGray",
-                    Of<FakeCalibratedSpace, "cgry"_cc>,
-                    1,
-                    {255, 0},
-                    0,
-                    "[/Indexed /DeviceCMYK 1 <\n00000000 FFFFFF00 >] ",
-                    "[/Indexed /DeviceCMYK 1 <\n00000000 FFFFFF00 >] "},
-        PaletteCase{"PromotedGray",
-                    Of<FakeDeviceSpace, "gray"_cc>,
-                    8,
-                    {255, 0, 51},
-                    OPTION::kPromoteGray,
-                    "[/Indexed /DeviceCMYK 2 <\n00000001 000000FF 000000CC >] ",
-                    "[/Indexed /DeviceCMYK 2 <\n00000001 000000FF 000000CC >] "}),
-    [](const auto& tested) { return std::string(tested.param.name); });
+const PaletteCase kPalettes[] = {
+    {"Cmyk", Of<FakeDeviceSpace, "cmyk"_cc>, 8, "01020304FFFEFD0000000000",
+     "[/Indexed /DeviceCMYK 2 <\nFEFDFCFB 000102FF FFFFFFFF >] ",
+     "[/Indexed /DeviceCMYK 2 <\nFEFEFE00 00000000 FFFFFF00 >] "},
+    {"Rgb", Of<FakeDeviceSpace, "rgb "_cc>, 8, "FF0909000909330909", kThreeInks, kThreeInks},
+    {"Spot", Spot, 1, "FF00", kTwoTints, kTwoTints},
+    {"Gray", Of<FakeDeviceSpace, "gray"_cc>, 8, "010203", kThreeGrays, kThreeGrays},
+    {"BlackAndWhite", Of<FakeDeviceSpace, "gray"_cc>, 1, "FF00", kTwoGrays, kTwoGrays},
+    {"BlackAndWhiteProfile", Of<FakeProfileSpace, "gray"_cc>, 1, "FF00", kTwoGrays, kTwoGrays},
+    {"CalibratedBlackAndWhite", Of<FakeCalibratedSpace, "cgry"_cc>, 1, "FF00", kTwoTints,
+     kTwoTints},
+    {"PromotedGray", Of<FakeDeviceSpace, "gray"_cc>, 8, "FF0033", kBlacks, kBlacks,
+     OPTION::kPromoteGray},
+};
+
+INSTANTIATE_TEST_SUITE_P(Bases, CmykPalettes, testing::ValuesIn(kPalettes),
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_F(CmykImages, ShapesOfTwoColoursBecomeImageMasks) {
     const auto raster = Raster(

@@ -9,23 +9,8 @@
 namespace VANTIX::TEST {
 namespace {
 
-namespace OPTION = RENDERING::DELEGATEOPTION;
-
 using DelegatePtr = TInterfacePtr<RENDERING::DeviceNConnectionSpaceDelegate>;
 using SpacePtr = TInterfacePtr<COLOR::IConnectionColorSpace>;
-
-/// The destination, with the intent that it was last asked under.
-class Inks : public FakeDeviceSpace {
-public:
-    Inks() : FakeDeviceSpace("cmyk"_cc, 4) {}
-
-    mutable COLOR::TRenderingIntent intent{};
-
-    bool FromPCS(const float pcs[3], float* values, COLOR::TRenderingIntent asked) const override {
-        intent = asked;
-        return FakeDeviceSpace::FromPCS(pcs, values, asked);
-    }
-};
 
 SpacePtr Spot(const char* name, const SpacePtr& alternate) {
     auto spot = MakeObject<FakeSeparationSpace>(name, alternate, nullptr);
@@ -39,108 +24,19 @@ std::vector<float> Evaluate(const COLOR::IColorFunction& function, float tint) {
     return outputs;
 }
 
-SpacePtr TwoInks() {
-    auto space = MakeObject<FakeDeviceNSpace>();
-    space->names.resize(2, CoreString("Ink"));
-    space->components = 2;
-    return space;
-}
-
 class DeviceNDelegate : public DelegateFixture {
 protected:
     DeviceNDelegate() { factory->Offer<FakeFunctionFactory>(COLOR::CLSID_COLORFUNCTIONFACTORY); }
 
-    DelegatePtr Plain(std::uint32_t options = 0) {
-        return Take(
-            RENDERING::CreateDeviceNConnectionSpaceDelegate(*factory, destination.Get(), options));
-    }
-
-    DelegatePtr Managed(std::uint32_t options = 0) {
-        return Take(RENDERING::CreateColorManagedDeviceNConnectionSpaceDelegate(
-            *factory, destination.Get(), options));
-    }
-
-    TInterfacePtr<Inks> destination = MakeObject<Inks>();
-
-private:
-    DelegatePtr Take(RENDERING::IConnectionSpaceDelegate* made) {
-        return Connect(
-            DelegatePtr::Adopt(static_cast<RENDERING::DeviceNConnectionSpaceDelegate*>(made)));
+    DelegatePtr Make() {
+        return Connect(DelegatePtr::Adopt(static_cast<RENDERING::DeviceNConnectionSpaceDelegate*>(
+            RENDERING::CreateDeviceNConnectionSpaceDelegate(
+                *factory, MakeObject<FakeDeviceSpace>("cmyk"_cc).Get(), 0))));
     }
 };
 
-class DeviceNColours : public DeviceNDelegate, public testing::WithParamInterface<ColourCase> {};
-
-TEST_P(DeviceNColours, KeepTheirInksOrBecomeProcessInks) {
-    const ColourCase& tested = GetParam();
-    ExpectColours(tested, *Plain(tested.options), *Managed(tested.options));
-}
-
-template <class T, FourCC Family>
-SpacePtr Of() {
-    return MakeObject<T>(Family);
-}
-
-template <class T>
-SpacePtr Of() {
-    return MakeObject<T>();
-}
-
-template <SpacePtr (*Alternate)()>
-SpacePtr SpotOver() {
-    return Spot("Orange", Alternate());
-}
-
-constexpr const char* kOneTwoThree = "SetDeviceColorSpace cmyk\nSetColor 0.9 0.8 0.7 1\n";
-constexpr const char* kKept = "SetDeviceColorSpace cmyk\nSetColor 0.9 0.8 0.7 0.6\n";
-constexpr const char* kBlack = "SetDeviceColorSpace cmyk\nSetColor 0 0 0 0.75\n";
-constexpr const char* kGray = "SetDeviceColorSpace gray\nSetColor 0.25\n";
-constexpr const char* kTint = "SetSeparationColorSpace Orange\nSetColor 0.5\n";
-constexpr const char* kTints = "SetDeviceNColorSpace\nSetColor 0.25 0.5\n";
-
-INSTANTIATE_TEST_SUITE_P(
-    Spaces, DeviceNColours,
-    testing::Values(
-        ColourCase{"SpotOverCmyk", SpotOver<Of<FakeDeviceSpace, "cmyk"_cc>>, {0.5F}, kTint, kTint},
-        ColourCase{"SpotOverRgb", SpotOver<Of<FakeDeviceSpace, "rgb "_cc>>, {0.5F}, kTint, kTint},
-        ColourCase{
-            "SpotOverLab", SpotOver<Of<FakeCalibratedSpace, "clab"_cc>>, {0.5F}, kTint, kTint},
-        ColourCase{"DeviceN", TwoInks, {0.25F, 0.5F}, kTints, kTints},
-        ColourCase{"Registration",
-                   SpotOver<Of<FakeRegistrationSpace>>,
-                   {1},
-                   "SetRegistrationColorSpace\nSetColor 1\n",
-                   "SetRegistrationColorSpace\nSetColor 1\n"},
-        ColourCase{
-            "Cmyk", Of<FakeDeviceSpace, "cmyk"_cc>, {0.1F, 0.2F, 0.3F, 0.4F}, kKept, kOneTwoThree},
-        ColourCase{"CmykProfile",
-                   Of<FakeProfileSpace, "cmyk"_cc>,
-                   {0.1F, 0.2F, 0.3F, 0.4F},
-                   kKept,
-                   kOneTwoThree},
-        ColourCase{
-            "Rgb", Of<FakeDeviceSpace, "rgb "_cc>, {0.1F, 0.2F, 0.3F}, kOneTwoThree, kOneTwoThree},
-        ColourCase{"Gray", Of<FakeDeviceSpace, "gray"_cc>, {0.25F}, kBlack, kGray},
-        ColourCase{"GrayProfile", Of<FakeProfileSpace, "gray"_cc>, {0.25F}, kBlack, kGray},
-        ColourCase{"PromotedGray",
-                   Of<FakeDeviceSpace, "gray"_cc>,
-                   {0.25F},
-                   kBlack,
-                   "SetDeviceColorSpace cmyk\nSetColor 0.75 1 1 1\n",
-                   OPTION::kPromoteGray}),
-    [](const auto& tested) { return std::string(tested.param.name); });
-
-TEST_F(DeviceNDelegate, ManagedColoursTakeTheFirstIntentOnBothSides) {
-    const auto plain = Plain();
-    Paint(*plain, rgb, {0, 0, 0});
-    EXPECT_EQ(destination->intent, state->intent2);
-    const auto managed = Managed();
-    Paint(*managed, rgb, {0, 0, 0});
-    EXPECT_EQ(destination->intent, state->intent);
-}
-
 TEST_F(DeviceNDelegate, InkOverAnotherAlternateIsMadeOnceAndThenNamed) {
-    const auto delegate = Plain();
+    const auto delegate = Make();
     const SpacePtr orange = Spot("Orange", rgb);
     Paint(*delegate, orange, {0.5F});
     Paint(*delegate, orange, {0.25F});
@@ -153,7 +49,7 @@ TEST_F(DeviceNDelegate, InkOverAnotherAlternateIsMadeOnceAndThenNamed) {
 
 TEST_F(DeviceNDelegate, InkThatCannotBeMadeOverCmykIsNotSet) {
     constexpr const char* kFailed = "Failed to create seperation colorspace with CMYK alternate\n";
-    const auto delegate = Plain();
+    const auto delegate = Make();
     EXPECT_FALSE(delegate->SetColorSpace(Spot("", rgb).Get(), true));
     EXPECT_EQ(log.Messages(),
               std::string("Separation ColorSpace name should not be empty\n") + kFailed);
@@ -167,102 +63,6 @@ TEST_F(DeviceNDelegate, InkThatCannotBeMadeOverCmykIsNotSet) {
     EXPECT_EQ(log.Messages(), std::string("Could not create ColorFunctionFactory.\n") + kFailed);
     EXPECT_EQ(log.Entries().front().file, "src/devicenconnectionspacedelegate");
     EXPECT_EQ(out->Take(), "");
-}
-
-TEST_F(DeviceNDelegate, MissingStatesAndDestinationsWriteNoColour) {
-    const float values[] = {0, 0, 0};
-    for (const auto& delegate : {Plain(), Managed()}) {
-        EXPECT_FALSE(delegate->SetColor(values, 3, true));  // no current space
-        state->space = rgb;
-        EXPECT_FALSE(delegate->SetColor(nullptr, 3, true));
-        delegate->SetGraphicsState(nullptr);
-        EXPECT_FALSE(delegate->SetColor(values, 3, true));
-        state->space = nullptr;
-    }
-    EXPECT_EQ(log.Messages(), "");
-    destination = nullptr;
-    state->space = rgb;
-    EXPECT_FALSE(Plain()->SetColor(values, 3, true));
-    EXPECT_FALSE(Managed()->SetColor(values, 3, true));
-    EXPECT_EQ(log.Count("Output ColorSpace can't be NULL here!!!"), 2);
-    EXPECT_EQ(out->Take(), "");
-}
-
-struct PatternCase {
-    const char* name;
-    SpacePtr (*underlying)();
-    const char* plain;
-    const char* managed;
-};
-
-class DeviceNPatterns : public DeviceNDelegate, public testing::WithParamInterface<PatternCase> {};
-
-// The pattern space is laid over whatever space was selected, which takes its own components.
-TEST_P(DeviceNPatterns, TakeTheComponentsOfTheSpaceThatWasSelected) {
-    state->color = {0.25F, 0.5F, 0.75F, 1};
-    EXPECT_TRUE(Plain()->SetUncoloredPattern("P1.1", GetParam().underlying().Get(), true));
-    EXPECT_EQ(out->Take(), GetParam().plain);
-    EXPECT_TRUE(Managed()->SetUncoloredPattern("P1.1", GetParam().underlying().Get(), true));
-    EXPECT_EQ(out->Take(), GetParam().managed);
-}
-
-constexpr const char* kSpotPattern = "SetSeparationColorSpace Orange\nSetPatternColor P1.1 0.25\n";
-constexpr const char* kInkPattern = "SetDeviceNColorSpace\nSetPatternColor P1.1 0.25 0.5\n";
-constexpr const char* kRgbPattern =
-    "SetDeviceColorSpace cmyk\nSetPatternColor P1.1 0.75 0.5 0.25 1\n";
-constexpr const char* kCmykPattern =
-    "SetDeviceColorSpace cmyk\nSetPatternColor P1.1 0.75 0.5 0.25 0\n";
-constexpr const char* kPlatePattern = "SetRegistrationColorSpace\nSetPatternColor P1.1 0.25\n";
-
-INSTANTIATE_TEST_SUITE_P(
-    Underlying, DeviceNPatterns,
-    testing::Values(
-        PatternCase{"Spot", SpotOver<Of<FakeDeviceSpace, "rgb "_cc>>, kSpotPattern, kSpotPattern},
-        PatternCase{"DeviceN", TwoInks, kInkPattern, kInkPattern},
-        PatternCase{"Registration", SpotOver<Of<FakeRegistrationSpace>>, kPlatePattern,
-                    kPlatePattern},
-        PatternCase{"Gray", Of<FakeDeviceSpace, "gray"_cc>,
-                    "SetDeviceColorSpace cmyk\nSetPatternColor P1.1 0 0 0 0.75\n",
-                    "SetDeviceColorSpace gray\nSetPatternColor P1.1 0.25\n"},
-        PatternCase{"Rgb", Of<FakeDeviceSpace, "rgb "_cc>, kRgbPattern, kRgbPattern},
-        PatternCase{"Cmyk", Of<FakeDeviceSpace, "cmyk"_cc>, kCmykPattern, kCmykPattern}),
-    [](const auto& tested) { return std::string(tested.param.name); });
-
-TEST_F(DeviceNDelegate, PatternsWithoutUnderlyingSpaceAreRefused) {
-    EXPECT_FALSE(Plain()->SetUncoloredPattern("P1.1", nullptr, true));
-    EXPECT_TRUE(log.Has("Underlying colorspace of pattern color space can't be NULL!!!"));
-    EXPECT_FALSE(Plain()->SetUncoloredPattern("P1.1", Spot("", rgb).Get(), true));
-    EXPECT_EQ(out->Take(), "");
-}
-
-TEST_F(DeviceNDelegate, ShadingsInInksKeepTheirColours) {
-    const auto axial = MakeObject<FakeAxialShading>();
-    const auto coons = MakeObject<FakeTensorShading>();
-    const auto lattice = MakeObject<FakeLatticeShading>();
-    coons->coons = true;
-    const auto delegate = Plain(OPTION::kLevel2);
-    const std::pair<SpacePtr, const char*> kSpaces[] = {
-        {cmyk, "none"},      {Spot("Orange", rgb), "none"},
-        {TwoInks(), "none"}, {rgb, "4"},
-        {gray, "4"},         {MakeObject<FakeProfileSpace>("cmyk"_cc), "4"}};
-    for (const auto& [space, into] : kSpaces) {
-        axial->colours = coons->colours = lattice->colours = space;
-        delegate->FillWithColorSpace(axial.Get(), 1, 0, 0, 1, 1, true);
-        delegate->FillWithColorSpace(lattice.Get(), 1, 0, 0, 1, 1, false);
-        delegate->FillWithColorSpace(coons.Get(), 1, 0, 0, 1, 1, true);
-        EXPECT_EQ(out->Take(), std::string("Shading 2 into ") + into +
-                                   " level 2 paint\nShading 5 into " + into +
-                                   " level 2\nShading 6 into " + into + " level 2 paint\n");
-    }
-    delegate->FillWithColorSpace(nullptr, 1, 0, 0, 1, 1, true);
-    EXPECT_EQ(log.Messages(), "");
-    delegate->FillWithColorSpace(rgb.Get(), 1, 0, 0, 1, 1, true);
-    EXPECT_TRUE(log.Has("there are only 7 shading types."));
-}
-
-TEST_F(DeviceNDelegate, GrayRastersOfOtherKindsAreOnlyReported) {
-    Plain()->WriteGreyscaleImage(*MakeObject<FakeRaster>(), 0, 0, 1, 1);
-    EXPECT_EQ(log.Messages(), "Unimplemented.\n");
 }
 
 struct InkCase {

@@ -2,7 +2,7 @@
 #include "devicenconnectionspacedelegate/devicenconnectionspacedelegate.h"
 #include "devicenconnectionspacedelegate/devicenworker.h"
 #include "devicenconnectionspacedelegate/mergedchannels.h"
-#include "support/imagefixture.h"
+#include "hexlines.h"
 
 namespace VANTIX::TEST {
 namespace {
@@ -111,10 +111,10 @@ struct SpotCase {
     const char* name;
     FourCC family;
     bool isManaged;
-    std::optional<std::uint64_t> mask;
+    int mask;  ///< -1: none
     const char* colorants;
     const char* decode;
-    Line written;
+    const char* written;
 };
 
 class RastersWithSpots : public DeviceNImages, public testing::WithParamInterface<SpotCase> {};
@@ -124,56 +124,40 @@ TEST_P(RastersWithSpots, ListTheChannelsThatThereAre) {
     const auto raster = MakeObject<FakeRaster>();
     raster->space = MakeObject<FakeDeviceSpace>(tested.family);
     raster->width = 2;
-    const std::vector<Line> planes{{1, 11}, {2, 12}, {3, 13}, {4, 14}};
+    const std::vector<Line> planes = Planes("0111 0212 0313 0414", 8);
     for (std::int32_t i = 0; i < raster->space->GetComponentCount(); ++i) {
         raster->Plane(planes[static_cast<std::size_t>(i)]);
     }
-    raster->mask = tested.mask;
+    if (tested.mask >= 0) {
+        raster->mask = static_cast<std::uint64_t>(tested.mask);
+    }
     raster->Extra("LPHA"_cc, {9, 9});
-    AddSpot(*raster, Ink("Orange"), {5, 15});
-    AddSpot(*raster, Ink("Green"), {6, 16});
+    AddSpot(*raster, Ink("Orange"), {0x05, 0x15});
+    AddSpot(*raster, Ink("Green"), {0x06, 0x16});
     tested.isManaged ? DrawManaged(*raster) : DrawPlain(*raster);
     EXPECT_EQ(Names(), tested.colorants);
     EXPECT_EQ(Entry("Decode"), tested.decode);
     EXPECT_EQ(Entry("BitsPerComponent"), "8");
-    EXPECT_EQ(samples, tested.written);
+    EXPECT_EQ(samples, Bytes(tested.written));
     EXPECT_EQ(log.Messages(), "");
 }
 
 constexpr const char* kAll = "(Cyan)(Magenta)(Yellow)(Black)(Orange)(Green)";
 constexpr const char* kSix = "[ 1 0 1 0 1 0 1 0 1 0 1 0] ";
 
-INSTANTIATE_TEST_SUITE_P(
-    Spaces, RastersWithSpots,
-    testing::Values(
-        SpotCase{
-            "Cmyk", "cmyk"_cc, false, {}, kAll, kSix, {1, 2, 3, 4, 5, 6, 11, 12, 13, 14, 15, 16}},
-        SpotCase{"ManagedCmyk",
-                 "cmyk"_cc,
-                 true,
-                 {},
-                 kAll,
-                 kSix,
-                 {1, 2, 3, 0, 5, 6, 11, 12, 13, 0, 15, 16}},
-        SpotCase{
-            "Rgb", "rgb "_cc, false, {}, kAll, kSix, {1, 2, 3, 0, 5, 6, 11, 12, 13, 0, 15, 16}},
-        SpotCase{"Gray", "gray"_cc, true, {}, kAll, kSix, {1, 0, 0, 0, 5, 6, 11, 0, 0, 0, 15, 16}},
-        SpotCase{"SomeInks",
-                 "cmyk"_cc,
-                 false,
-                 0b1001,
-                 "(Cyan)(Black)(Orange)(Green)",
-                 "[ 1 0 1 0 1 0 1 0] ",
-                 {1, 4, 5, 6, 11, 14, 15, 16}},
-        SpotCase{"SomeInksConverted",
-                 "cmyk"_cc,
-                 true,
-                 0b1001,
-                 kAll,
-                 kSix,
-                 {1, 255, 255, 0, 5, 6, 11, 255, 255, 0, 15, 16}},
-        SpotCase{"NoInks", "cmyk"_cc, false, 0, "(Orange)(Green)", "[ 0 1 0 1] ", {5, 6, 15, 16}}),
-    [](const auto& tested) { return std::string(tested.param.name); });
+const SpotCase kSpotCases[] = {
+    {"Cmyk", "cmyk"_cc, false, -1, kAll, kSix, "010203040506111213141516"},
+    {"ManagedCmyk", "cmyk"_cc, true, -1, kAll, kSix, "010203000506111213001516"},
+    {"Rgb", "rgb "_cc, false, -1, kAll, kSix, "010203000506111213001516"},
+    {"Gray", "gray"_cc, true, -1, kAll, kSix, "010000000506110000001516"},
+    {"SomeInks", "cmyk"_cc, false, 0b1001, "(Cyan)(Black)(Orange)(Green)", "[ 1 0 1 0 1 0 1 0] ",
+     "0104050611141516"},
+    {"SomeInksConverted", "cmyk"_cc, true, 0b1001, kAll, kSix, "01FFFF00050611FFFF001516"},
+    {"NoInks", "cmyk"_cc, false, 0, "(Orange)(Green)", "[ 0 1 0 1] ", "05061516"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Spaces, RastersWithSpots, testing::ValuesIn(kSpotCases),
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_F(DeviceNImages, TintsPrintOverOneAnother) {
     const auto raster = Raster(cmyk, 1, 8, {{1}, {2}, {3}, {4}});
@@ -211,74 +195,54 @@ TEST_F(DeviceNImages, InksAloneHaveNoProcessColorants) {
 
 struct MergeCase {
     const char* name;
-    std::vector<Line> planes;
-    std::vector<std::pair<const char*, Line>> spots;
-    std::optional<std::uint64_t> mask;
+    const char* planes;
+    const char* spots;  ///< names, each with its line
+    int mask;           ///< -1: none
     const char* colorants;
-    Line written;
+    const char* written;
 };
 
 class MergedInks : public DeviceNImages, public testing::WithParamInterface<MergeCase> {};
 
 TEST_P(MergedInks, AreOneChannelWithTheirUnion) {
     const MergeCase& tested = GetParam();
-    const TInterfacePtr<COLOR::IConnectionColorSpace> space =
-        tested.planes.empty()
-            ? TInterfacePtr<COLOR::IConnectionColorSpace>(MakeObject<FakeDeviceNSpace>())
-            : TInterfacePtr<COLOR::IConnectionColorSpace>(cmyk);
-    const auto raster = Raster(space, 2, 8, tested.planes);
-    raster->mask = tested.mask;
+    TInterfacePtr<COLOR::IConnectionColorSpace> space = cmyk;
+    if (*tested.planes == 0) {
+        space = MakeObject<FakeDeviceNSpace>();
+    }
+    const auto raster = Raster(space, 2, 8, Planes(tested.planes, 8));
+    if (tested.mask >= 0) {
+        raster->mask = static_cast<std::uint64_t>(tested.mask);
+    }
     raster->Extra("LPHA"_cc, {255, 255}).data->isOpaque = true;
-    for (const auto& [name, line] : tested.spots) {
-        AddSpot(*raster, Ink(name), line);
+    std::istringstream spots(tested.spots);
+    for (std::string name, line; spots >> name >> line;) {
+        AddSpot(*raster, Ink(name.c_str()), Bytes(line));
     }
     DrawPlain(*raster);
     EXPECT_EQ(Names(), tested.colorants);
-    EXPECT_EQ(samples, tested.written);
+    EXPECT_EQ(samples, Bytes(tested.written));
     EXPECT_EQ(log.Messages(), "");
 }
 
-// Beside process inks samples are complements: 128 and 192 stand for coverages of 127 and 63, of
+// Beside process inks samples are complements: 0x80 and 0xC0 stand for coverages of 127 and 63, of
 // which 63 + 127 x 192 / 255 remains.
-INSTANTIATE_TEST_SUITE_P(
-    Names, MergedInks,
-    testing::Values(MergeCase{"SpotAndProcess",
-                              {{255, 128}, {2, 2}, {3, 3}, {4, 4}},
-                              {{"Orange", {5, 5}}, {"Cyan", {0, 192}}},
-                              {},
-                              "(Magenta)(Yellow)(Black)(Orange)(Cyan)",
-                              {2, 3, 4, 5, 0, 2, 3, 4, 5, 96}},
-                    MergeCase{"Spots",
-                              {{1, 1}, {2, 2}, {3, 3}, {4, 4}},
-                              {{"Orange", {255, 128}}, {"Green", {6, 6}}, {"Orange", {255, 192}}},
-                              {},
-                              "(Cyan)(Magenta)(Yellow)(Black)(Orange)(Green)",
-                              {1, 2, 3, 4, 255, 6, 1, 2, 3, 4, 96, 6}},
-                    MergeCase{"AmountsWithoutProcess",
-                              {},
-                              {{"Orange", {0, 127}}, {"Orange", {0, 63}}},
-                              {},
-                              "(Orange)",
-                              {0, 159}},
-                    MergeCase{"AmountsWithAllProcessInksAbsent",
-                              {{1, 1}, {2, 2}, {3, 3}, {4, 4}},
-                              {{"Orange", {0, 127}}, {"Orange", {0, 63}}},
-                              0,
-                              "(Orange)",
-                              {0, 159}},
-                    MergeCase{"AbsentProcessInkHasNoPart",
-                              {{0, 0}, {2, 2}, {3, 3}, {4, 4}},
-                              {{"Cyan", {10, 20}}},
-                              0b1000,
-                              "(Black)(Cyan)",
-                              {4, 10, 4, 20}},
-                    MergeCase{"OneNameIsNotTheBeginOfAnother",
-                              {{1, 1}, {2, 2}, {3, 3}, {4, 4}},
-                              {{"Cyan 2", {5, 6}}},
-                              0b0001,
-                              "(Cyan)(Cyan 2)",
-                              {1, 5, 1, 6}}),
-    [](const auto& tested) { return std::string(tested.param.name); });
+const MergeCase kMerged[] = {
+    {"SpotAndProcess", "FF80 0202 0303 0404", "Orange 0505 Cyan 00C0", -1,
+     "(Magenta)(Yellow)(Black)(Orange)(Cyan)", "02030405000203040560"},
+    {"Spots", "0101 0202 0303 0404", "Orange FF80 Green 0606 Orange FFC0", -1,
+     "(Cyan)(Magenta)(Yellow)(Black)(Orange)(Green)", "01020304FF06010203046006"},
+    {"AmountsWithoutProcess", "", "Orange 007F Orange 003F", -1, "(Orange)", "009F"},
+    {"AmountsWithAllProcessInksAbsent", "0101 0202 0303 0404", "Orange 007F Orange 003F", 0,
+     "(Orange)", "009F"},
+    {"AbsentProcessInkHasNoPart", "0000 0202 0303 0404", "Cyan 0A14", 0b1000, "(Black)(Cyan)",
+     "040A0414"},
+    {"OneNameIsNotTheBeginOfAnother", "0101 0202 0303 0404", "Cyan2 0506", 0b0001, "(Cyan)(Cyan2)",
+     "01050106"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Names, MergedInks, testing::ValuesIn(kMerged),
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_F(DeviceNImages, MergedInksOfSixteenBitsAreMergedInWords) {
     const auto raster =

@@ -4,29 +4,13 @@
 #include <regex>
 
 #include "connectionspacedelegatefactory.h"
-#include "gmock/gmock.h"
-#include "postscriptconnectionspace/postscriptconnectionspace.h"
+#include "pagefixture.h"
 #include "postscriptconnectionspace/softmaskgroup.h"
 #include "postscriptconnectionspace/transparencygroup.h"
-#include "support/fakebaseconnectionspace.h"
-#include "support/fakedictionary.h"
-#include "support/fakefactory.h"
-#include "support/fakefilterstack.h"
-#include "support/fakefonts.h"
-#include "support/fakefunctions.h"
-#include "support/fakekeyedproperties.h"
-#include "support/fakepatternspaces.h"
-#include "support/fakeraster.h"
-#include "support/fakestatestack.h"
-#include "support/ghostscriptpages.h"
-#include "support/memoryprovider.h"
-#include "support/recordinglogger.h"
 
 namespace VANTIX::TEST {
 namespace {
 
-using ::testing::HasSubstr;
-using ::testing::Not;
 using MaskType = GRAPHICS::IGraphicsState::TSoftMaskType;
 
 constexpr const char* kSetPageMatrix =
@@ -40,31 +24,6 @@ constexpr const char* kCmykBlack = "/DeviceCMYK setcolorspace %set default colou
 
 class Holder : public TObject<IObject> {};
 
-class Front : public FakeBaseConnectionSpace {
-public:
-    Front() { state = own.Get(); }
-
-    TInterfacePtr<FakeTextState> own = MakeObject<FakeTextState>();
-    GRAPHICS::IDelegateConnectionSpace* delegate = nullptr;
-
-    Status Init(GRAPHICS::IDelegateConnectionSpace* to) override {
-        delegate = to;
-        return FakeBaseConnectionSpace::Init(to);
-    }
-
-    void Fill(ResourceId id, const TInterfacePtr<COLOR::IConnectionColorSpace>& space) {
-        spaces[id] = space;
-        own->spaceId = id;
-        own->space = space;
-        own->color = {1};
-        const float corners[] = {1, 0, 1, 1};
-        delegate->MoveTo(0, 0);
-        delegate->LineTo(corners, 2);
-        delegate->Fill();
-        delegate->NewPath();
-    }
-};
-
 class Providers : public TObject<IO::IPacketDataProviderFactory> {
 public:
     int left = 1 << 30;
@@ -74,31 +33,19 @@ public:
     }
 };
 
-class GroupSpace : public PS::PostScriptConnectionSpace {
-public:
-    using PostScriptConnectionSpace::Delegate;
-    using PostScriptConnectionSpace::mGroupDepth;
-};
-
-class Groups : public ::testing::Test {
+class Groups : public PageFixture {
 protected:
     Groups() {
-        log.Clear();
         factory->Offer<RENDERING::ConnectionSpaceDelegateFactory>(
             RENDERING::CLSID_CONNECTIONSPACEDELEGATEFACTORY);
         factory->Offer<FakeFilterStack>(IO::IID_IOUTPUTFILTERSTACK);
-        factory->OfferObject(GRAPHICS::CLSID_MUTABLEGRAPHICSSTATESTACK, mirror.Get());
-        factory->Offer<FakeColorSpaceFactory>(COLOR::IID_ICONNECTIONCOLORSPACEFACTORY);
-        factory->Offer<FakeKeyedProperties>(IO::CLSID_KEYEDPROPERTIES);
-        factory->Offer<FakeDictionary>(IO::IID_IDICTIONARY);
-        factory->Offer<Front>(GRAPHICS::IID_IBASECONNECTIONSPACE);
         factory->OfferObject(IO::CLSID_PACKETDATAPROVIDERFACTORY, providers.Get());
+        tile->cell = cell;
     }
 
     void Start(bool pdfmarks = true) {
         policy->SetBool(101, pdfmarks);
-        ASSERT_TRUE(space->Init(page.Get(), factory.Get(), policy.Get()));
-        front = FindInterface<Front>(space.Get(), GRAPHICS::IID_IBASECONNECTIONSPACE);
+        PageFixture::Start();
         page->Take();
         log.Clear();
     }
@@ -131,15 +78,6 @@ protected:
         return text;
     }
 
-    static std::size_t Count(const std::string& text, const std::string& part) {
-        std::size_t count = 0;
-        for (std::size_t at = text.find(part); at != std::string::npos;
-             at = text.find(part, at + 1)) {
-            ++count;
-        }
-        return count;
-    }
-
     /// Whether an interpreter that knows pdfmark executes the text and leaves no operands.
     static std::string Complaint(const std::string& text) {
         return RunPostScript("/pdfmark where {pop} {userdict /pdfmark {cleartomark} put} ifelse\n" +
@@ -147,19 +85,7 @@ protected:
             .complaint;
     }
 
-    RecordingLogger& log = RecordingLogger::Get();
-    TInterfacePtr<FakeFactory> factory = MakeObject<FakeFactory>();
-    TInterfacePtr<FakeStateStack> mirror = MakeObject<FakeStateStack>();
     TInterfacePtr<Providers> providers = MakeObject<Providers>();
-    TInterfacePtr<MemoryProvider> page = MakeObject<MemoryProvider>();
-    TInterfacePtr<FakeDictionary> policy = MakeObject<FakeDictionary>();
-    TInterfacePtr<FakeDeviceSpace> rgb = MakeObject<FakeDeviceSpace>("rgb "_cc, 3U);
-    TInterfacePtr<FakeDeviceSpace> gray = MakeObject<FakeDeviceSpace>("gray"_cc, 1U);
-    TInterfacePtr<FakeSeparationSpace> gold = MakeObject<FakeSeparationSpace>(
-        "Gold", gray,
-        MakeObject<FakeExponential>(1, std::vector<float>{1}, std::vector<float>{0}, 1.0F));
-    TInterfacePtr<GroupSpace> space = MakeObject<GroupSpace>();
-    Front* front = nullptr;
 };
 
 TEST_F(Groups, AnInnerGroupIsDefinedBeforeTheOneThatDrawsIt) {
@@ -265,12 +191,14 @@ TEST_F(Groups, WithoutAHolderAMaskAppliesToNothing) {
 
 TEST_F(Groups, AMessengerThatOutlivesTheJobDoesNothing) {
     for (const bool ends : {true, false}) {
-        space = MakeObject<GroupSpace>();
+        space = MakeObject<OpenSpace>();
         Start();
         const auto state = front->own;
         state->softMaskHolder = MakeObject<Holder>();
         BeginMask();
         space->EndSoftMask();
+        EXPECT_EQ(space->AddRef(), 2U) << "an open mask does not keep the job alive";
+        space->Release();
         if (ends) {
             space->CloseGroups();
             EXPECT_EQ(Count(Written(), "/EP pdfmark"), 2U);
@@ -300,8 +228,7 @@ TEST_F(Groups, AMaskKeepsTheJobAliveUntilItEnds) {
 
 TEST_F(Groups, AMaskSaysBackdropAndTransferAsPostScriptHasThem) {
     const auto cmyk = MakeObject<FakeDeviceSpace>("cmyk"_cc);
-    const auto invert =
-        MakeObject<FakeExponential>(1, std::vector<float>{1}, std::vector<float>{0}, 1.0F);
+    const auto invert = Inverse();
     const auto pair =
         MakeObject<FakeExponential>(2, std::vector<float>{}, std::vector<float>{}, 1.0F);
     const PS::FormObject group("G", nullptr, PS::FormObject::kIdentity, {});
@@ -349,24 +276,22 @@ TEST_F(Groups, AMaskSaysBackdropAndTransferAsPostScriptHasThem) {
 }
 
 TEST_F(Groups, ANameIsDefinedAgainWhereItIsNotKnown) {
-    const auto tile = MakeObject<FakeTilePattern>();
-    tile->cell = MakeObject<FakeCell>();
     Start();
     Begin();
-    front->Fill(5, gold);
-    front->Fill(7, tile);
+    front->PaintIn(5, spot);
+    front->PaintIn(7, tile);
     Begin();
-    front->Fill(5, gold);
-    front->Fill(7, tile);
-    front->Fill(5, gold);
+    front->PaintIn(5, spot);
+    front->PaintIn(7, tile);
+    front->PaintIn(5, spot);
     space->EndTransparencyGroup();
     EXPECT_EQ(Count(page->contents, "[/Separation (Gold)"), 1U);
     EXPECT_EQ(Count(page->contents, "makepattern"), 1U);
-    front->Fill(5, gold);
-    front->Fill(7, tile);
+    front->PaintIn(5, spot);
+    front->PaintIn(7, tile);
     space->EndTransparencyGroup();
-    front->Fill(5, gold);
-    front->Fill(7, tile);
+    front->PaintIn(5, spot);
+    front->PaintIn(7, tile);
     const std::string text = Written();
     EXPECT_EQ(Count(text, "[/Separation (Gold)"), 2U);
     EXPECT_EQ(Count(text, "makepattern"), 2U);
@@ -376,29 +301,27 @@ TEST_F(Groups, ANameIsDefinedAgainWhereItIsNotKnown) {
 }
 
 TEST_F(Groups, AFormInACellIsDefinedAheadOfThePattern) {
-    const auto tile = MakeObject<FakeTilePattern>();
-    tile->cell = MakeObject<FakeCell>();
-    tile->cell->draw = [&](GRAPHICS::IConnectionSpace& to) {
-        auto& in = static_cast<Front&>(to);
-        in.Fill(5, gold);
+    cell->draw = [&](GRAPHICS::IConnectionSpace& to) {
+        auto& in = In(to);
+        in.PaintIn(5, spot);
         const float box[] = {0, 0, 1, 1};
         in.delegate->BeginTransparencyGroup(box, nullptr, true, false, nullptr);
-        in.Fill(5, gold);
+        in.PaintIn(5, spot);
         in.delegate->EndTransparencyGroup();
-        in.Fill(5, gold);
+        in.PaintIn(5, spot);
         in.delegate->BeginTransparencyGroup(box, nullptr, true, false, nullptr);
     };
     Start();
     log.Clear();
     Begin();
-    front->Fill(7, tile);
+    front->PaintIn(7, tile);
     space->EndTransparencyGroup();
     const std::string text = Written();
-    const std::size_t cell = text.find("/PaintProc");
-    EXPECT_EQ(text.find("/_objdef {TRGForm#3}") < cell, true) << text;
-    EXPECT_EQ(Count(text.substr(0, cell), "exec"), 0U) << text;
-    EXPECT_EQ(Count(text.substr(cell), "/SP pdfmark"), 3U);
-    EXPECT_EQ(Count(text.substr(0, cell), "(Gold)"), 1U);
+    const std::size_t procedure = text.find("/PaintProc");
+    EXPECT_EQ(text.find("/_objdef {TRGForm#3}") < procedure, true) << text;
+    EXPECT_EQ(Count(text.substr(0, procedure), "exec"), 0U) << text;
+    EXPECT_EQ(Count(text.substr(procedure), "/SP pdfmark"), 3U);
+    EXPECT_EQ(Count(text.substr(0, procedure), "(Gold)"), 1U);
     EXPECT_EQ(Complaint(text), "") << text;
     EXPECT_THAT(log.Messages(), HasSubstr("was left open"));
 }
@@ -485,12 +408,10 @@ TEST_F(Groups, AFormLeavesNoSavesAndRestoresNoneOfOthers) {
 }
 
 TEST_F(Groups, AnImageOfAFormInACellStaysInTheForm) {
-    const auto tile = MakeObject<FakeTilePattern>();
-    tile->cell = MakeObject<FakeCell>();
     const auto image = MakeObject<FakeRaster>();
     image->Init(gray.Get(), 2, 1, 8, 1, 1, 0, 0);
-    tile->cell->draw = [&](GRAPHICS::IConnectionSpace& to) {
-        auto& in = static_cast<Front&>(to);
+    cell->draw = [&](GRAPHICS::IConnectionSpace& to) {
+        auto& in = In(to);
         const float box[] = {0, 0, 1, 1};
         in.delegate->BeginTransparencyGroup(box, nullptr, true, false, nullptr);
         in.delegate->DrawImage(image.Get(), 0, 0, 5, 5);
@@ -498,7 +419,7 @@ TEST_F(Groups, AnImageOfAFormInACellStaysInTheForm) {
         in.delegate->DrawImage(image.Get(), 0, 0, 5, 5);
     };
     Start();
-    front->Fill(7, tile);
+    front->PaintIn(7, tile);
     const std::string text = Written();
     const std::size_t form = text.find("/DataSource currentfile");
     EXPECT_LT(form, text.find("[/EP pdfmark")) << text;
@@ -512,7 +433,7 @@ TEST_F(Groups, TenThousandGroupsCostNoMoreThanTheirText) {
     constexpr std::size_t kGroups = 10000;
     for (std::size_t i = 0; i < kGroups; ++i) {
         Begin();
-        front->Fill(5, gold);
+        front->PaintIn(5, spot);
         space->EndTransparencyGroup();
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));

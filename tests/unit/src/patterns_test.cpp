@@ -5,62 +5,20 @@
 
 #include "asiscompositeconnectionspacedelegate/asiscompositeconnectionspacedelegate.h"
 #include "connectionspacedelegatefactory.h"
-#include "gmock/gmock.h"
-#include "postscriptconnectionspace/postscriptconnectionspace.h"
+#include "pagefixture.h"
 #include "postscriptconnectionspace/postscriptoutputcontext.h"
 #include "psfontbuilderfactory.h"
-#include "support/fakebaseconnectionspace.h"
-#include "support/fakedictionary.h"
-#include "support/fakefonts.h"
-#include "support/fakekeyedproperties.h"
-#include "support/fakepatternspaces.h"
-#include "support/fakeraster.h"
-#include "support/ghostscriptpages.h"
 #include "support/imagefixture.h"
 #include "support/temporaryfolder.h"
 
 namespace VANTIX::TEST {
 namespace {
 
-using ::testing::HasSubstr;
-using ::testing::Not;
-
 using Colour = std::array<int, 3>;
 constexpr Colour kWhite{255, 255, 255};
 constexpr Colour kRed{255, 0, 0};
 constexpr Colour kGreen{0, 255, 0};
 constexpr Colour kBlue{0, 0, 255};
-
-/// A front object with a graphics state of its own, through which cells draw.
-class CellBase : public FakeBaseConnectionSpace {
-public:
-    CellBase() { state = own.Get(); }
-
-    TInterfacePtr<FakeTextState> own = MakeObject<FakeTextState>();
-    GRAPHICS::IDelegateConnectionSpace* delegate = nullptr;
-
-    Status Init(GRAPHICS::IDelegateConnectionSpace* to) override {
-        delegate = to;
-        return FakeBaseConnectionSpace::Init(to);
-    }
-
-    void Use(ResourceId id, TInterfacePtr<COLOR::IConnectionColorSpace> space,
-             std::vector<float> color) {
-        spaces[id] = space;
-        own->spaceId = id;
-        own->space = std::move(space);
-        own->color = std::move(color);
-    }
-
-    void Rectangle(float x, float y, float size) const {
-        const float corners[] = {x + size, y, x + size, y + size, x, y + size};
-        delegate->MoveTo(x, y);
-        delegate->LineTo(corners, 3);
-        delegate->ClosePath();
-        delegate->Fill();
-        delegate->NewPath();
-    }
-};
 
 /// Writes data in hexadecimal, whatever its filters.
 class HexFilters : public FakeFilterStack {
@@ -127,47 +85,30 @@ public:
     }
 };
 
-/// Shows how deep it stands in groups.
-class GroupedSpace : public PS::PostScriptConnectionSpace {
-public:
-    using PostScriptConnectionSpace::mGroupDepth;
-};
-
 /// A page of 100 by 100 and patterns on it.
-class Patterns : public ::testing::Test {
+class Patterns : public PageFixture {
 protected:
     Patterns() {
-        RecordingLogger::Get().Clear();
         factory->Offer<ShadingDelegateFactory>(RENDERING::CLSID_CONNECTIONSPACEDELEGATEFACTORY);
         factory->Offer<HexFilters>(IO::IID_IOUTPUTFILTERSTACK);
         factory->Offer<FakeStateStack>(GRAPHICS::CLSID_MUTABLEGRAPHICSSTATESTACK);
-        factory->Offer<FakeColorSpaceFactory>(COLOR::IID_ICONNECTIONCOLORSPACEFACTORY);
-        factory->Offer<FakeKeyedProperties>(IO::CLSID_KEYEDPROPERTIES);
-        factory->Offer<FakeDictionary>(IO::IID_IDICTIONARY);
-        factory->Offer<CellBase>(GRAPHICS::IID_IBASECONNECTIONSPACE);
         cell->draw = [this](GRAPHICS::IConnectionSpace& to) {
-            CellBase& in = In(to);
-            in.Use("rgb "_cc, rgb, {1, 0, 0});
-            in.Rectangle(0, 0, 5);
+            In(to).Use("rgb "_cc, rgb, {1, 0, 0});
+            In(to).Rectangle(0, 0, 5);
         };
         tile->cell = cell;
     }
 
-    static CellBase& In(GRAPHICS::IConnectionSpace& space) {
-        return static_cast<CellBase&>(space);  // the factory makes no others
-    }
-
     void Start() {
-        ASSERT_TRUE(space->Init(page.Get(), factory.Get(), policy.Get()));
-        base = FindInterface<CellBase>(space.Get(), GRAPHICS::IID_IBASECONNECTIONSPACE);
+        PageFixture::Start();
         space->SaveInitialPageMatrix();
     }
 
     /// Fills the page with `pattern`.
     void Cover(ResourceId id, const TInterfacePtr<COLOR::IConnectionColorSpace>& pattern,
                std::vector<float> color = {}) {
-        base->Use(id, pattern, std::move(color));
-        base->Rectangle(0, 0, 100);
+        front->Use(id, pattern, std::move(color));
+        front->Rectangle(0, 0, 100);
     }
 
     /// What was written, once an interpreter has drawn it.
@@ -191,31 +132,12 @@ protected:
                    : Colour{image.At(x, 99 - y, 0), image.At(x, 99 - y, 1), image.At(x, 99 - y, 2)};
     }
 
-    static std::size_t Count(const std::string& text, const std::string& part) {
-        std::size_t count = 0;
-        for (std::size_t at = text.find(part); at != std::string::npos;
-             at = text.find(part, at + 1)) {
-            ++count;
-        }
-        return count;
-    }
-
     /// The name of the pattern `id`, or "none".
     std::string Name(ResourceId id) const {
         const char* name = space->GetPostScriptResourceName(id);
         return name == nullptr ? "none" : name;
     }
 
-    RecordingLogger& log = RecordingLogger::Get();
-    TInterfacePtr<FakeFactory> factory = MakeObject<FakeFactory>();
-    TInterfacePtr<MemoryProvider> page = MakeObject<MemoryProvider>();
-    TInterfacePtr<FakeDictionary> policy = MakeObject<FakeDictionary>();
-    TInterfacePtr<FakeDeviceSpace> gray = MakeObject<FakeDeviceSpace>("gray"_cc, 1U);
-    TInterfacePtr<FakeDeviceSpace> rgb = MakeObject<FakeDeviceSpace>("rgb "_cc, 3U);
-    TInterfacePtr<FakeCell> cell = MakeObject<FakeCell>();
-    TInterfacePtr<FakeTilePattern> tile = MakeObject<FakeTilePattern>();
-    TInterfacePtr<GroupedSpace> space = MakeObject<GroupedSpace>();
-    CellBase* base = nullptr;
     PageImage image;
 };
 
@@ -270,7 +192,7 @@ TEST_F(Patterns, AllKindsShareTheNumbersOfTheirNames) {
 TEST_F(Patterns, CellsBeginWithTheStateOfAPage) {
     Start();
     cell->draw = [this](GRAPHICS::IConnectionSpace& to) {
-        CellBase& in = In(to);
+        Front& in = In(to);
         in.Use("rgb "_cc, rgb, {1, 0, 0});
         in.delegate->MoveTo(5, 0);
         const float end[] = {5, 10};
@@ -302,7 +224,7 @@ TEST_P(PatternImages, DataGoAheadOfThePattern) {
     FakeRaster missing;
     missing.space = rgb;
     cell->draw = [&](GRAPHICS::IConnectionSpace& to) {
-        CellBase& in = In(to);
+        Front& in = In(to);
         in.delegate->DrawImage(&missing, 0, 0, 1, 1);
         in.delegate->DrawImage(&raster, 0, 10, 10, -5);
         in.delegate->DrawImage(&raster, 0, 0, 5, 5);
@@ -331,7 +253,7 @@ TEST_F(Patterns, ShadingsAreMadeInTheCellAndTheirDataAheadOfIt) {
     const auto shading = MakeObject<FakeShadingPattern>();
     shading->shading = rgb;
     cell->draw = [&](GRAPHICS::IConnectionSpace& to) {
-        CellBase& in = In(to);
+        Front& in = In(to);
         in.delegate->SaveGraphicsState();
         in.delegate->Concat(0.1F, 0, 0, 0.1F, 0, 0);
         in.delegate->FillWithColorSpace(rgb.Get(), 3, 0, 0, 10, 10);
@@ -372,7 +294,7 @@ TEST_P(UncolouredCells, LeaveTheColourToTheirUse) {
     shape.primaries[0]->bits = 1;
     shape.Extra("LPHA"_cc, {0x40}).bits = 1;
     cell->draw = [&](GRAPHICS::IConnectionSpace& to) {
-        CellBase& in = In(to);
+        Front& in = In(to);
         in.own->fillOverprint = true;
         in.Use("rgb "_cc, rgb, {0, 1, 0});
         in.delegate->SelectRenderingIntent(COLOR::TRenderingIntent::kSaturation);
@@ -386,8 +308,8 @@ TEST_P(UncolouredCells, LeaveTheColourToTheirUse) {
     tile->paintType = 2;
     tile->underlying = rgb;
     Cover(7, tile, {1, 0, 0});
-    base->Use(7, tile, {0, 0, 1});
-    base->Rectangle(50, 0, 50);
+    front->Use(7, tile, {0, 0, 1});
+    front->Rectangle(50, 0, 50);
     const std::string text = Drawn();
     const std::string procedure = text.substr(0, text.find("makepattern"));
     for (const char* refused : {" setcolor\n", "setcolorspace\n{", "overprint", "render", "shfill",
@@ -413,7 +335,7 @@ TEST_F(Patterns, PatternsInACellStartFromTheCellAndAreNotKnownOutside) {
     outer->matrix = {1, 0, 0, 1, 7, 7};
     tile->matrix = {1, 0, 0, 1, 1, 1};
     outer->cell->draw = [this](GRAPHICS::IConnectionSpace& to) {
-        CellBase& in = In(to);
+        Front& in = In(to);
         in.delegate->Concat(1, 0, 0, 1, 3, 0);
         in.Use(8, tile, {});
         in.Rectangle(0, 0, 20);
@@ -421,8 +343,8 @@ TEST_F(Patterns, PatternsInACellStartFromTheCellAndAreNotKnownOutside) {
     space->AddColorSpace(outer.Get(), 7);
     EXPECT_EQ(Name(8), "none");
     Cover(7, outer);
-    base->Use(8, tile, {});
-    base->Rectangle(80, 80, 20);
+    front->Use(8, tile, {});
+    front->Rectangle(80, 80, 20);
     EXPECT_EQ(Count(Drawn(), ".8<<"), 2U);
     EXPECT_EQ(At(10, 8), kRed);  // the edge of the cell's rectangle, in the first square
     EXPECT_EQ(At(12, 12), kRed);
@@ -436,9 +358,6 @@ TEST_F(Patterns, PatternsInACellStartFromTheCellAndAreNotKnownOutside) {
 
 TEST_F(Patterns, NamesOfSpacesThatACellDefinesAreDefinedAgainOutside) {
     Start();
-    const auto spot = MakeObject<FakeSeparationSpace>(
-        "Orange", gray,
-        MakeObject<FakeExponential>(1, std::vector<float>{1}, std::vector<float>{0}, 1.0F));
     cell->draw = [&](GRAPHICS::IConnectionSpace& to) {
         In(to).Use(9, spot, {1});
         In(to).delegate->RegisterColorSpaceUse(9);
@@ -446,10 +365,10 @@ TEST_F(Patterns, NamesOfSpacesThatACellDefinesAreDefinedAgainOutside) {
         In(to).Rectangle(5, 5, 5);
     };
     Cover(7, tile);
-    base->Use(9, spot, {1});
-    base->Rectangle(90, 0, 5);
+    front->Use(9, spot, {1});
+    front->Rectangle(90, 0, 5);
     const std::string text = Drawn();
-    EXPECT_EQ(Count(text, "[/Separation (Orange)"), 2U);
+    EXPECT_EQ(Count(text, "[/Separation (Gold)"), 2U);
     EXPECT_EQ(At(7, 7), (Colour{0, 0, 0}));
     EXPECT_EQ(At(92, 2), (Colour{0, 0, 0}));
 }
@@ -457,7 +376,7 @@ TEST_F(Patterns, NamesOfSpacesThatACellDefinesAreDefinedAgainOutside) {
 TEST_F(Patterns, LongPathsAreCutAndWhatIsLeftOpenIsClosed) {
     Start();
     cell->draw = [this](GRAPHICS::IConnectionSpace& to) {
-        CellBase& in = In(to);
+        Front& in = In(to);
         in.Use("rgb "_cc, rgb, {1, 0, 0});
         in.delegate->MoveTo(0, 0);
         for (int i = 0; i < 10000; ++i) {
@@ -477,27 +396,12 @@ TEST_F(Patterns, LongPathsAreCutAndWhatIsLeftOpenIsClosed) {
     EXPECT_EQ(At(12, 12), kRed);
 }
 
-TEST_F(Patterns, LongCellsAreCutIntoProceduresThatAnInterpreterTakes) {
-    Start();
-    cell->draw = [this](GRAPHICS::IConnectionSpace& to) {
-        CellBase& in = In(to);
-        for (int i = 0; i < 60000; ++i) {
-            in.Use("rgb "_cc, rgb, {1, 0, i % 2 == 0 ? 1.0F : 0.0F});
-            in.Rectangle(0, 0, 5);
-        }
-    };
-    Cover(7, tile);
-    const std::string text = Drawn();
-    EXPECT_GT(Count(text, "}exec\n{newpath"), 10U);
-    EXPECT_EQ(At(12, 12), kRed);
-}
-
 TEST_F(Patterns, CellsShowTextInFontsOfTheDocument) {
     const auto font = MakeObject<ListedFont>("Helvetica", GRAPHICS::TFontType::kType1, false);
     const auto broker = MakeObject<FakeFontBroker>();
     broker->fonts = {font};
     factory->creators[GRAPHICS::IID_IBASECONNECTIONSPACE] = [broker] {
-        auto made = MakeObject<CellBase>();
+        auto made = MakeObject<Front>();
         made->Aggregate(broker.Get(), GRAPHICS::IID_IFONTBROKER);
         return made.Detach();
     };
@@ -505,7 +409,7 @@ TEST_F(Patterns, CellsShowTextInFontsOfTheDocument) {
     Start();
     tile->matrix = {5, 0, 0, 5, 0, 0};
     cell->draw = [&](GRAPHICS::IConnectionSpace& to) {
-        CellBase& in = In(to);
+        Front& in = In(to);
         in.Use("rgb "_cc, rgb, {1, 0, 0});
         in.delegate->BeginTextObject();
         in.delegate->SelectCurrentFont();
@@ -607,7 +511,7 @@ TEST_F(Patterns, WithoutWhatARecorderNeedsThereIsNoPattern) {
     }
     EXPECT_NE(space->CreateShadingPatternDictionary(nullptr, 7), STATUS::kOk);
     EXPECT_EQ(log.Messages(), "Shading Pattern Color Space can't be NULL!!!\n");
-    space = MakeObject<GroupedSpace>();
+    space = MakeObject<OpenSpace>();
     EXPECT_NE(space->CreateTilePatternDictionary(tile.Get(), 7), STATUS::kOk);
     EXPECT_NE(space->CreateShadingPatternDictionary(MakeObject<FakeShadingPattern>().Get(), 7),
               STATUS::kOk);
@@ -623,7 +527,7 @@ TEST_F(Patterns, TheTilingFlagKeepsPdfmarksOutOfCells) {
     };
     for (const std::uint8_t flag : std::array<std::uint8_t, 2>{0, 1}) {
         policy->SetByte(112, flag);
-        space = MakeObject<GroupedSpace>();
+        space = MakeObject<OpenSpace>();
         Start();
         Cover(7, tile);
         EXPECT_EQ(Count(page->Take(), "/SetTransparency"), flag == 0 ? 1U : 0U);
