@@ -111,14 +111,15 @@ public:
 
     [[nodiscard]] const std::vector<Cell>& Cells() const { return mCells; }
 
-    [[nodiscard]] std::string Pdf() const {
+    /// The file; `page` are entries of its page.
+    [[nodiscard]] std::string Pdf(const std::string& page = {}) const {
         return PageOf(mContent,
                       "/XObject << " + mImages + ">> /ColorSpace << " + mSpaces +
                           ">> /ExtGState << " + mStates + ">> /Shading << " + mShadings +
                           ">> /Pattern << " + mPatterns + ">>",
                       mObjects,
                       "/MediaBox [0 0 " + std::to_string(kPitchX * kColumns) + " " +
-                          std::to_string(kPageHeight) + "]");
+                          std::to_string(kPageHeight) + "] " + page);
     }
 
     /// What a page or plate, drawn at 72 dots per inch, shows in a cell and the gap around it.

@@ -100,6 +100,20 @@ void DrawBlendModes(Sheet& sheet) {
     sheet.Draw("group", kUnder + blend + Group(sheet, kTwoMarks));
 }
 
+/// A group that a pattern fills. It is in points: poppler repeats small cells wrongly.
+std::string StripedGroup(Sheet& sheet) {
+    const std::string stripes = sheet.Add(
+        StreamOf("1 0 0 rg 0 0 5 8 re f",
+                 "/PatternType 1 /PaintType 1 /TilingType 1 /BBox [0 0 8 8] /XStep 8 /YStep 8 "
+                 "/Resources << >>"));
+    return sheet.Object(
+               "/Subtype /Form /BBox [0 0 55 35] /Matrix [0.0181818 0 0 0.0285714 0 0] "
+               "/Group << /S /Transparency >> /Resources << /Pattern << /P " +
+                   stripes + " >> >>",
+               "/Pattern cs /P scn 0 0 55 35 re f 0 0.5 0 rg 0 0 20 20 re f") +
+           " Do ";
+}
+
 void DrawGroups(Sheet& sheet) {
     const std::string half = sheet.State(kHalf) + " gs ";
     const std::string blended = "/ExtGState << /G << /BM /Multiply /ca 0.8 >> >>";
@@ -141,16 +155,7 @@ void DrawGroups(Sheet& sheet) {
                             Group(sheet, std::string("/I Do ") + kMark, {},
                                   "/XObject << /I " + Picture(sheet) + " >>"));
     const std::string cell = "/PaintType 1 /TilingType 1 /BBox [0 0 8 8] /XStep 8 /YStep 8 ";
-    const std::string stripes =
-        sheet.Add(StreamOf("1 0 0 rg 0 0 5 8 re f", "/PatternType 1 /Resources << >> " + cell));
-    // In points: poppler repeats small cells wrongly.
-    sheet.Draw("pattern",
-               kUnder + half +
-                   sheet.Object("/Subtype /Form /BBox [0 0 55 35] /Matrix [0.0181818 0 0 0.0285714 "
-                                "0 0] /Group << /S /Transparency >> /Resources << /Pattern << /P " +
-                                    stripes + " >> >>",
-                                "/Pattern cs /P scn 0 0 55 35 re f 0 0.5 0 rg 0 0 20 20 re f") +
-                   " Do");
+    sheet.Draw("pattern", kUnder + half + StripedGroup(sheet));
     const std::string grouped =
         sheet.Add(StreamOf("1 0 0 rg 0 0 5 5 re f 0 0 1 rg 3 3 4 4 re f",
                            "/Subtype /Form /BBox [0 0 8 8] /Group << /S /Transparency /I true >>"));
@@ -259,6 +264,77 @@ void DrawMasks(Sheet& sheet) {
     sheet.Draw("of a mask", kUnder + Mask(sheet, "/Luminosity", "1 g 0 0 0.5 1 re f") + kMark);
 }
 
+/// Groups, images and text under masks, with matrices on either side.
+void DrawMaskedForms(Sheet& sheet) {
+    const std::string half = sheet.State(kHalf) + " gs ";
+    const std::string mask = Mask(sheet, "/Luminosity");
+    const std::string move = "0.5 0.1 -0.1 0.5 0.3 0.2 cm ";
+    const std::string turn = "0.8 0.1 -0.1 0.8 0.1 0.1 cm ";
+    const std::string group = Group(sheet, kTwoMarks);
+    const std::string masked =
+        "/ExtGState << /H << /ca 0.5 >> /M << /SMask << /S /Luminosity /G " +
+        sheet.Add(StreamOf("/S sh",
+                           "/Subtype /Form /BBox [0 0 1 1] /Group << /S /Transparency /CS "
+                           "/DeviceGray >> /Resources << /Shading << /S " +
+                               std::string(kGrayAxis) + " >> >>")) +
+        " >> >> >> ";
+    const std::string inner =
+        "/XObject << /F " +
+        sheet.Add(StreamOf(kTwoMarks,
+                           "/Subtype /Form /BBox [0 0 1 1] /Matrix [0.6 0.3 -0.3 0.6 0.3 0] "
+                           "/Group << /S /Transparency /I true >>")) +
+        " >> ";
+    sheet.Draw("group, moved before", kUnder + move + mask + group);
+    sheet.Draw("group, moved after", kUnder + mask + move + group);
+    sheet.Draw("group, moved twice", kUnder + turn + mask + move + group);
+    sheet.Draw("groups, each moved", kUnder + mask + "q " + move + group + "Q q " + turn + half +
+                                         group + "Q 0 0 1 0.2 re f");
+    sheet.Draw("group in a group",
+               kUnder + mask +
+                   Group(sheet, kMark + std::string("/H gs /F Do"), "/I true", masked + inner));
+    sheet.Draw("opaque group in a group",
+               kUnder + move + mask + half +
+                   Group(sheet, "/H gs /F Do " + std::string(kMark), {}, masked + inner));
+    sheet.Draw(
+        "mask in a group",
+        kUnder + move + half +
+            Group(sheet, turn + "/M gs " + kTwoMarks + turn + "0 0 0.9 0.2 re f", {}, masked));
+    sheet.Draw(
+        "mask in a masked group",
+        kUnder + mask + turn + Group(sheet, kMark + move + "/M gs /F Do", {}, masked + inner));
+    const std::string image = "/XObject << /I " + Picture(sheet) + " >>";
+    sheet.Draw("image in a masked group",
+               kUnder + mask + Group(sheet, "q 0.5 0.2 -0.2 0.5 0.4 0.2 cm /I Do Q", {}, image));
+    const std::string picture = sheet.Object(
+                                    "/Subtype /Image /Width 2 /Height 1 /BitsPerComponent 8 "
+                                    "/ColorSpace /DeviceRGB",
+                                    std::string("\xFF\x10\x10\x10\x20\xFF", 6)) +
+                                " Do ";
+    sheet.Draw("image, moved before", kUnder + move + mask + picture);
+    sheet.Draw("image, moved twice", kUnder + turn + mask + "q " + move + picture + "Q " + kMark);
+    const std::string font =
+        "/Font << /F << /Type /Font /Subtype /Type1 /BaseFont /Helvetica-Bold >> >> ";
+    const std::string red = "0.7 0 0.1 rg BT /F 0.5 Tf 0.1 0.3 Td (HEL) Tj ET ";
+    sheet.Draw("text", kUnder + mask + Form(sheet, red, font));
+    sheet.Draw("moved text", kUnder + turn + mask + "1.1 0 0 1.2 0 0 cm " + Form(sheet, red, font));
+    sheet.Draw("text in a group", kUnder + mask + half + Group(sheet, red, {}, font));
+    sheet.Draw("mask between texts",
+               kUnder + Form(sheet, "0.4 0 0 0.4 0 0.5 cm " + red + "/M gs 1 0 0 1 1 -1 cm " + red,
+                             font + masked));
+}
+
+/// What the matrix of a page moves: a group, a mask, and a pattern within a group.
+void DrawMoved(Sheet& sheet) {
+    const std::string half = sheet.State(kHalf) + " gs ";
+    const std::string group = Group(sheet, kTwoMarks, "/I true");
+    sheet.Draw("group", kUnder + half + group);
+    sheet.Draw("mask", kUnder + Mask(sheet, "/Luminosity") + kTwoMarks);
+    sheet.Draw("moved group under a mask",
+               kUnder + Mask(sheet, "/Luminosity") + "0.5 0.1 -0.1 0.5 0.3 0.2 cm " + group);
+    sheet.Draw("pattern in a group", kUnder + half + StripedGroup(sheet));
+    sheet.Draw("blended", kUnder + sheet.State("/BM /Multiply") + " gs " + group + kMark);
+}
+
 /// Soft-mask images.
 void DrawMaskedImages(Sheet& sheet) {
     const auto masked = [&](const std::string& entries) {
@@ -318,9 +394,24 @@ PageImage Narrowed(const PageImage& cell) {
     return narrow;
 }
 
+/// A page that is seen turned to the right, as it was before.
+PageImage TurnedBack(const PageImage& page) {
+    PageImage back{page.height, page.width, page.channels, {}};
+    for (std::size_t y = 0; y < back.height; ++y) {
+        for (std::size_t x = 0; x < back.width; ++x) {
+            for (std::size_t i = 0; i < page.channels; ++i) {
+                back.samples.push_back(page.At(page.width - 1 - y, x, i));
+            }
+        }
+    }
+    return back;
+}
+
 struct TransparencySheet {
     const char* name;
     void (*draw)(Sheet&);
+    const char* page = "";  ///< entries of the page
+    bool isTurned = false;  ///< by 90 degrees
 };
 
 void PrintTo(const TransparencySheet& sheet, std::ostream* out) {
@@ -334,13 +425,17 @@ TEST_P(Transparency, LooksAsInThePdf) {
     GetParam().draw(sheet);
     const TemporaryFolder folder;
     const std::string input = folder.File("sheet.pdf");
-    WriteFile(input, sheet.Pdf());
+    WriteFile(input, sheet.Pdf(GetParam().page));
     const ChildResult run = RunTool({"--transparency", "pdfmark", input, folder.File("sheet.ps")});
     ASSERT_EQ(run.exitStatus, kDone) << run.errors;
     EXPECT_EQ(run.errors, "");
     EXPECT_EQ(DistilTransparency(folder.File("sheet.ps"), folder.File("distilled.pdf")), "");
-    const PageImage reference = DrawWithPoppler(input);
-    const PageImage drawn = DrawWithPoppler(folder.File("distilled.pdf"));
+    PageImage reference = DrawWithPoppler(input);
+    PageImage drawn = DrawWithPoppler(folder.File("distilled.pdf"));
+    if (GetParam().isTurned) {
+        reference = TurnedBack(reference);
+        drawn = TurnedBack(drawn);
+    }
     for (std::size_t i = 0; i < sheet.Cells().size(); ++i) {
         const auto difference =
             Compare(Narrowed(Sheet::CellOf(drawn, i)), Narrowed(Sheet::CellOf(reference, i)));
@@ -355,7 +450,12 @@ INSTANTIATE_TEST_SUITE_P(Sheets, Transparency,
                                          TransparencySheet{"BlendModes", DrawBlendModes},
                                          TransparencySheet{"Groups", DrawGroups},
                                          TransparencySheet{"Masks", DrawMasks},
-                                         TransparencySheet{"MaskedImages", DrawMaskedImages}),
+                                         TransparencySheet{"MaskedForms", DrawMaskedForms},
+                                         TransparencySheet{"MaskedImages", DrawMaskedImages},
+                                         TransparencySheet{"Turned", DrawMoved, "/Rotate 90", true},
+                                         TransparencySheet{"GroupOfThePage", DrawMoved,
+                                                           "/Group << /S /Transparency "
+                                                           "/CS /DeviceCMYK >>"}),
                          [](const auto& one) { return std::string(one.param.name); });
 
 /// What a page comes to. F, G and S are the objects 5, 6 and 7.

@@ -13,8 +13,9 @@ namespace VANTIX::TEST {
 /// content of a form in one space, so matrices that came since do not move the mask.
 ///
 /// It is Ghostscript's pdfwrite behind a prolog, and a step on its PDF. It is not called
-/// "Jaws PDF Creator". The content of a plain form inherits the state that the form is drawn in
-/// until it sets one of its own; from then on, what it does not set is opaque.
+/// "Jaws PDF Creator". The content of a plain form inherits the state that the form is drawn in,
+/// but for the entries that it sets itself; those stay set to its end, as a grestore that leads
+/// back to the inherited state undoes nothing.
 ///
 /// Answers what the interpreter or the PDF library said, and what the job left on the stacks of
 /// operands and graphics states; nothing when all is well.
