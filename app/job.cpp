@@ -250,6 +250,7 @@ PDF::ReaderOptions Job::Reader() const {
     reader.box = mOptions.box;
     reader.embedProfiles = mOptions.policy.Bool(KEY::kEmbedProfiles);
     reader.keepsAlpha = mOptions.policy.Bool(KEY::kPdfmarkTransparency);
+    reader.opaqueCells = mOptions.policy.Bool(KEY::kOpaquePatterns);
     reader.keepsHiddenText = mOptions.keepsHiddenText;
     reader.fonts = mOptions.fonts;
     reader.fonts.languageLevel = reader.languageLevel;

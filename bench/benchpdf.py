@@ -85,6 +85,21 @@ def write_pdf(path, pages, page_bytes):
     write_objects(path, objects)
 
 
+def write_groups_pdf(path, groups):
+    """One page that draws a transparency group again and again, half transparent."""
+    content = b"/Half gs\n" + b"".join(
+        b"q 1 0 0 1 %d %d cm /F Do Q\n" % (i % 100 * 6, i // 100 % 100 * 8) for i in range(groups))
+    write_objects(path, [
+        b"<< /Type /Catalog /Pages 2 0 R >>",
+        b"<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+        b"<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] /Contents 4 0 R /Resources << "
+        b"/ExtGState << /Half << /ca 0.5 >> >> /XObject << /F 5 0 R >> >> >>",
+        stream(content),
+        stream(b"1 0 0 rg 0 0 4 4 re f 0 0 1 rg 2 2 4 4 re f",
+               b"/Type /XObject /Subtype /Form /BBox [0 0 6 6] /Group << /S /Transparency >> "),
+    ])
+
+
 def image_lines(components, side):
     """Lines of a picture with soft slopes, edges and a little grain."""
     chance = random.Random(components)

@@ -3,7 +3,7 @@
 """Converts whole documents with norvane and with other converters of PDF to PostScript, and prints
 processor time, peak memory and output bytes, with ratios to norvane's. Documents are those named,
 or made here: one page with at least 1 MB of content, images, text in Latin
-and in Japanese, and 1, 10 and 100 pages to see growth."""
+and in Japanese, transparency groups kept as pdfmarks, and 1, 10 and 100 pages to see growth."""
 
 import argparse
 import pathlib
@@ -116,6 +116,11 @@ def main():
         compare("100 pages of text, Type 1 and TrueType", text, converters, folder)
         benchpdf.write_japanese_pdf(text, 100)
         compare("100 pages of Japanese text, CID-keyed CFF and TrueType", text, converters, folder)
+        groups = folder / "groups.pdf"
+        benchpdf.write_groups_pdf(groups, 10_000)
+        kept = [*converters["norvane"][:-2], "--transparency", "pdfmark", "{input}", "{output}"]
+        compare("a page of 10,000 transparency groups", groups, {**converters, "norvane": kept},
+                folder)
         figures = []
         for pages in (1, 10, 100):
             document = folder / f"{pages}.pdf"

@@ -52,7 +52,7 @@ void ContentInterpreter::DrawForm(const QPDFObjectHandle& stream, Resources& res
 // Only in bad content are forms drawn within a text object, which no recording may begin in.
 void ContentInterpreter::CloseTextAround(const Form& form) {
     if (mFrame.text.isOpen && mContext.keepsAlpha &&
-        (OwnTransparency() | mContext.transparency.Find(form.resourceDictionary)) != 0) {
+        (OwnTransparency() | mContext.transparency.FindOf(form.stream)) != 0) {
         CloseTextObject();
     }
 }

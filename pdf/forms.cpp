@@ -41,6 +41,7 @@ std::shared_ptr<Form> FormCache::Find(const QPDFObjectHandle& stream, const char
         return known->second;
     }
     auto form = std::make_shared<Form>();
+    form->stream = stream;
     ReportStream(AppendStreamData(stream, form->content, kLargestContent), label, mReporter);
     form->matrix = MatrixOf(Get(stream, "/Matrix"));
     form->box = RectangleOf(Get(stream, "/BBox"));
@@ -48,7 +49,6 @@ std::shared_ptr<Form> FormCache::Find(const QPDFObjectHandle& stream, const char
     form->group = NameOf(Get(group, "/S")) == "Transparency" ? group : QPDFObjectHandle::newNull();
     QPDFObjectHandle resources = Get(stream, "/Resources");
     if (resources.isDictionary()) {
-        form->resourceDictionary = resources;
         form->resources = std::make_unique<Resources>(resources, mColorSpaces);
     }
     if (mForms.size() >= kMaxForms || mBytes + form->content.size() > kMaxBytes) {

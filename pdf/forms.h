@@ -31,8 +31,8 @@ struct Form {
     std::unique_ptr<Resources> resources;  ///< null: those of the content that draws it
     /// The group attributes of a transparency group (PDF Reference, 7.5.5), or null.
     QPDFObjectHandle group;
-    /// The resources as they stand in the document, or null.
-    QPDFObjectHandle resourceDictionary;
+    /// As it stands in the document.
+    QPDFObjectHandle stream = QPDFObjectHandle::newNull();
 };
 
 /// The forms and cells that are being played. None may hold itself, and there is an end to their

@@ -62,7 +62,7 @@ struct PagePlayer::Parts {
                 recording.Aggregate(&fonts.Broker(), GRAPHICS::IID_IFONTBROKER);
                 PlayContext inner = context.For(recording, openStreams);
                 // What sets no colour cannot be in a group, which begins with one.
-                inner.keepsAlpha = inner.keepsAlpha && cell.isColored;
+                inner.keepsAlpha = inner.keepsAlpha && cell.isColored && !options.opaqueCells;
                 ContentInterpreter::PlayCell(inner, cell);
             });
         // A glyph is recorded wherever the fonts are loaded, which it is not a part of.
@@ -181,7 +181,7 @@ void PagePlayer::Parts::PlayPage(int index) {
                              PlayContent(interpreter, index, resources);
                              PlayAnnotations(interpreter, index, resources);
                          });
-    lostTransparency.Report(reporter);
+    lostTransparency.Report(reporter, options.keepsAlpha);
 }
 
 void PagePlayer::Parts::PlayAnnotations(ContentInterpreter& interpreter, int index,

@@ -27,6 +27,8 @@ struct ReaderOptions {
     bool embedProfiles = false;
     /// Policy key 101: images keep their soft masks.
     bool keepsAlpha = false;
+    /// Policy key 112: but not in the cells of tiling patterns.
+    bool opaqueCells = false;
     /// Images in gray of 1, 2 or 4 bits come with a palette, for models that take no such gray.
     bool graysAsPalettes = false;
     /// Invisible text goes out where nothing of it is seen; else it is dropped.

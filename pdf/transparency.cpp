@@ -3,9 +3,12 @@
 
 #include <array>
 #include <exception>
+#include <numeric>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "pdf/objects.h"
 
@@ -36,70 +39,131 @@ unsigned TransparencyOf(QPDFObjectHandle parameters) {
     return kinds;
 }
 
-template <class Visit>
-unsigned TransparencySurvey::OfAll(QPDFObjectHandle dictionary, Visit visit) {
-    unsigned kinds = TR::kNone;
-    if (dictionary.isDictionary()) {
-        for (const auto& entry : dictionary.ditems()) {
-            kinds |= visit(entry.second);
+/// Reaches all resources from one on, however deep and in whatever circles they hold one another,
+/// and gives the kinds of each to those that hold it.
+class TransparencySurvey::Search {
+public:
+    /// What is in `known` is not looked at again.
+    explicit Search(const std::map<QPDFObjGen, unsigned>& known) : mKnown(known) {}
+
+    void Run(const Source& root) {
+        Reach(root, std::nullopt);
+        for (std::size_t i = 0; i < mFound.size(); ++i) {
+            try {
+                Look(i);
+            } catch (const std::exception&) {
+                // What is damaged shows what was found in it so far.
+            }
+        }
+        Spread();
+    }
+
+    [[nodiscard]] unsigned OfRoot() const { return mFound.front().kinds; }
+
+    void AddTo(std::map<QPDFObjGen, unsigned>& known) const {
+        for (const auto& [object, number] : mNumbers) {
+            known.emplace(object, mFound[number].kinds);
         }
     }
-    return kinds;
-}
 
-unsigned TransparencySurvey::Find(const QPDFObjectHandle& resources) {
-    try {
-        return FindNested(resources, 0);
-    } catch (const std::exception&) {
-        return TR::kNone;
-    }
-}
-
-unsigned TransparencySurvey::FindNested(QPDFObjectHandle resources, int depth) {
-    if (!resources.isDictionary() || depth > kMaxDepth) {
-        return TR::kNone;
-    }
-    if (resources.isIndirect()) {
-        const auto [known, isNew] = mKnown.emplace(resources.getObjGen(), TR::kNone);
-        if (!isNew) {
-            return known->second;
-        }
-    }
-    const auto ofOwner = [&](const QPDFObjectHandle& owner) {
-        return FindNested(Get(owner, "/Resources"), depth + 1);
+private:
+    struct Found {
+        QPDFObjectHandle resources;
+        unsigned kinds = TR::kNone;
+        std::vector<std::size_t> holders;
     };
-    const unsigned kinds = OfAll(Get(resources, "/ExtGState"),
-                                 [](const QPDFObjectHandle& v) { return TransparencyOf(v); }) |
-                           OfAll(Get(resources, "/XObject"),
-                                 [&](const QPDFObjectHandle& v) { return OfXObject(v, depth); }) |
-                           OfAll(Get(resources, "/Pattern"), ofOwner) |
-                           OfAll(Get(resources, "/Font"), ofOwner);
-    if (resources.isIndirect()) {
-        mKnown[resources.getObjGen()] = kinds;
+
+    void Reach(const Source& source, std::optional<std::size_t> holder);
+    void Look(std::size_t number);
+    void LookAtXObject(const QPDFObjectHandle& object, std::size_t holder);
+    void Spread();
+
+    template <class Visit>
+    static void ForAll(QPDFObjectHandle dictionary, Visit visit) {
+        if (dictionary.isDictionary()) {
+            for (const auto& entry : dictionary.ditems()) {
+                visit(entry.second);
+            }
+        }
     }
-    return kinds;
+
+    const std::map<QPDFObjGen, unsigned>& mKnown;
+    std::vector<Found> mFound;
+    std::map<QPDFObjGen, std::size_t> mNumbers;  // of those in mFound that objects tell apart
+};
+
+void TransparencySurvey::Search::Reach(const Source& source, std::optional<std::size_t> holder) {
+    if (const auto known = mKnown.find(source.object); holder && known != mKnown.end()) {
+        mFound[*holder].kinds |= known->second;
+        return;
+    }
+    std::size_t number = mFound.size();
+    if (source.object.isIndirect()) {
+        number = mNumbers.emplace(source.object, number).first->second;
+    }
+    if (number == mFound.size()) {
+        mFound.push_back({source.resources, TR::kNone, {}});
+    }
+    if (holder) {
+        mFound[number].holders.push_back(*holder);
+    }
 }
 
-unsigned TransparencySurvey::OfXObject(const QPDFObjectHandle& object, int depth) {
-    const QPDFObjectHandle mask = Get(object, "/SMask");
-    const bool isSoft = !IsNull(mask) || IntegerOf(Get(object, "/SMaskInData")).value_or(0) != 0;
-    if (NameOf(Get(object, "/Subtype")) == "Image") {
-        return isSoft ? TR::kAlpha : TR::kNone;
+void TransparencySurvey::Search::Look(std::size_t number) {
+    const QPDFObjectHandle resources = mFound[number].resources;
+    const auto reachOwner = [&](const QPDFObjectHandle& owner) { Reach(SourceOf(owner), number); };
+    ForAll(Get(resources, "/ExtGState"), [&](const QPDFObjectHandle& parameters) {
+        mFound[number].kinds |= TransparencyOf(parameters);
+    });
+    ForAll(Get(resources, "/XObject"),
+           [&](const QPDFObjectHandle& object) { LookAtXObject(object, number); });
+    ForAll(Get(resources, "/Pattern"), reachOwner);
+    ForAll(Get(resources, "/Font"), reachOwner);
+}
+
+void TransparencySurvey::Search::LookAtXObject(const QPDFObjectHandle& object, std::size_t holder) {
+    if (NameOf(Get(object, "/Subtype")) != "Image") {
+        Reach(SourceOf(object), holder);
+        return;
     }
-    if (!object.isIndirect()) {
-        return FindNested(Get(object, "/Resources"), depth + 1);
+    const bool isSoft =
+        !IsNull(Get(object, "/SMask")) || IntegerOf(Get(object, "/SMaskInData")).value_or(0) != 0;
+    mFound[holder].kinds |= isSoft ? TR::kAlpha : TR::kNone;
+}
+
+// Each is taken up again only when it has got a kind more.
+void TransparencySurvey::Search::Spread() {
+    std::vector<std::size_t> changed(mFound.size());
+    std::iota(changed.begin(), changed.end(), std::size_t{0});
+    while (!changed.empty()) {
+        const Found& from = mFound[changed.back()];
+        changed.pop_back();
+        for (const std::size_t holder : from.holders) {
+            unsigned& kinds = mFound[holder].kinds;
+            if ((from.kinds & ~kinds) != 0) {
+                kinds |= from.kinds;
+                changed.push_back(holder);
+            }
+        }
     }
-    // Forms mostly hold their resources directly.
-    const auto [known, isNew] = mKnown.emplace(object.getObjGen(), TR::kNone);
-    if (!isNew) {
+}
+
+TransparencySurvey::Source TransparencySurvey::SourceOf(const QPDFObjectHandle& owner) {
+    const QPDFObjectHandle resources = Get(owner, "/Resources");
+    return {resources, resources.isIndirect() ? resources.getObjGen() : owner.getObjGen()};
+}
+
+unsigned TransparencySurvey::Find(const Source& source) {
+    if (const auto known = mKnown.find(source.object); known != mKnown.end()) {
         return known->second;
     }
-    const unsigned kinds = FindNested(Get(object, "/Resources"), depth + 1);
-    mKnown[object.getObjGen()] = kinds;
-    return kinds;
+    Search search(mKnown);
+    search.Run(source);
+    search.AddTo(mKnown);
+    return search.OfRoot();
 }
 
-void LostTransparency::Report(Reporter& reporter) {
+void LostTransparency::Report(Reporter& reporter, bool isKept) {
     static constexpr std::array<std::pair<unsigned, std::string_view>, 4> kNames = {{
         {TR::kAlpha, "constant alpha or images with opacity"},
         {TR::kBlending, "blend modes"},
@@ -114,9 +178,11 @@ void LostTransparency::Report(Reporter& reporter) {
         }
     }
     if (!list.empty()) {
-        reporter.WarnOfPage("transparency", "Transparency is painted opaque (" + list +
-                                                "); --transparency pdfmark keeps it for a "
-                                                "distiller");
+        reporter.WarnOfPage(
+            "transparency",
+            isKept ? "Transparency in pattern cells and glyphs is painted opaque (" + list + ")"
+                   : "Transparency is painted opaque (" + list +
+                         "); --transparency pdfmark keeps it for a distiller");
     }
 }
 

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <set>
 
 #include "pdf/qpdfheaders.h"
 #include "pdf/reporter.h"
@@ -21,22 +20,30 @@ inline constexpr unsigned kKnockout = 8;  ///< knockout groups
 }  // namespace TRANSPARENCY
 
 /// Finds out what transparency content can show, by the resources that it names: a group of nothing
-/// but opaque paint is painted without one.
+/// but opaque paint is painted without one. Each object of a document is looked at once.
 class TransparencySurvey {
 public:
     /// The kinds that content with these resources (a dictionary) can show, its forms, patterns and
     /// fonts included.
-    unsigned Find(const QPDFObjectHandle& resources);
+    unsigned Find(const QPDFObjectHandle& resources) {
+        return Find(Source{resources, resources.getObjGen()});
+    }
+
+    /// The same of a form, a pattern or a font, by resources of its own.
+    unsigned FindOf(const QPDFObjectHandle& owner) { return Find(SourceOf(owner)); }
 
 private:
-    static constexpr int kMaxDepth = 28;
+    /// Resources, and the object that they are known by: they themselves where they are indirect,
+    /// else what holds them. No object where that is direct too: then nothing else holds them.
+    struct Source {
+        QPDFObjectHandle resources;
+        QPDFObjGen object;
+    };
+    class Search;
 
-    unsigned FindNested(QPDFObjectHandle resources, int depth);
-    unsigned OfXObject(const QPDFObjectHandle& object, int depth);
-    template <class Visit>
-    static unsigned OfAll(QPDFObjectHandle dictionary, Visit visit);
+    static Source SourceOf(const QPDFObjectHandle& owner);
+    unsigned Find(const Source& source);
 
-    // Nothing while it is looked at, so that what holds itself is looked at once.
     std::map<QPDFObjGen, unsigned> mKnown;
 };
 
@@ -46,8 +53,9 @@ public:
     /// `kinds` are bits of `TRANSPARENCY`.
     void Add(unsigned kinds) { mKinds |= kinds; }
 
-    /// Warns, once for each page that lost something, and forgets.
-    void Report(Reporter& reporter);
+    /// Warns, once for each page that lost something, and forgets. `isKept`: what is drawn on the
+    /// page itself lost nothing.
+    void Report(Reporter& reporter, bool isKept);
 
 private:
     unsigned mKinds = TRANSPARENCY::kNone;
