@@ -281,7 +281,7 @@ void DrawMaskedForms(Sheet& sheet) {
     const std::string inner =
         "/XObject << /F " +
         sheet.Add(StreamOf(kTwoMarks,
-                           "/Subtype /Form /BBox [0 0 1 1] /Matrix [0.6 0.3 -0.3 0.6 0.3 0] "
+                           "/Subtype /Form /BBox [0 0 1 1] /Matrix [0.9 0.1 -0.1 0.9 0.1 0] "
                            "/Group << /S /Transparency /I true >>")) +
         " >> ";
     sheet.Draw("group, moved before", kUnder + move + mask + group);
