@@ -124,9 +124,8 @@ bool ContentInterpreter::NeedsGroup(const Form& form) {
     const unsigned own = OwnTransparency();
     const bool isKnockout = BoolOf(Get(form.group, "/K"), false);
     const bool isIsolated = BoolOf(Get(form.group, "/I"), false);
-    const unsigned content = isKnockout || isIsolated
-                                 ? mContext.transparency.FindOf(form.stream)
-                                 : TRANSPARENCY::kNone;
+    const unsigned content =
+        isKnockout || isIsolated ? mContext.transparency.FindOf(form.stream) : TRANSPARENCY::kNone;
     Lose(own | (isKnockout && content != 0 ? TRANSPARENCY::kKnockout : 0U));
     return own != TRANSPARENCY::kNone || content != TRANSPARENCY::kNone;
 }
