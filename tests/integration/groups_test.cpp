@@ -202,7 +202,7 @@ class GroupsOfAHost : public Job, public testing::WithParamInterface<GroupCase> 
 protected:
     /// Draws the case and a mark behind it, and distils the job.
     std::string Draw() {
-        const std::string job = Run(
+        std::string job = Run(
             [this](BaseConnectionSpace& base, IO::IDataProvider& /*output*/) {
                 GetParam().draw(base);
                 Paint(base, 400);

@@ -326,10 +326,10 @@ TEST_F(CmykImages, SpotsAreFlattenedIntoProcessInks) {
 struct PaletteCase {
     const char* name;
     TInterfacePtr<COLOR::IConnectionColorSpace> (*base)();
-    std::int32_t bits;
     const char* table;
     const char* plain;
     const char* managed;
+    std::int32_t bits;
     std::uint32_t options = 0;
 };
 
@@ -367,17 +367,17 @@ constexpr const char* kBlacks = "[/Indexed /DeviceCMYK 2 <\n00000001 000000FF 00
 
 // The destination takes the first component in all inks but black.
 const PaletteCase kPalettes[] = {
-    {"Cmyk", Of<FakeDeviceSpace, "cmyk"_cc>, 8, "01020304FFFEFD0000000000",
+    {"Cmyk", Of<FakeDeviceSpace, "cmyk"_cc>, "01020304FFFEFD0000000000",
      "[/Indexed /DeviceCMYK 2 <\nFEFDFCFB 000102FF FFFFFFFF >] ",
-     "[/Indexed /DeviceCMYK 2 <\nFEFEFE00 00000000 FFFFFF00 >] "},
-    {"Rgb", Of<FakeDeviceSpace, "rgb "_cc>, 8, "FF0909000909330909", kThreeInks, kThreeInks},
-    {"Spot", Spot, 1, "FF00", kTwoTints, kTwoTints},
-    {"Gray", Of<FakeDeviceSpace, "gray"_cc>, 8, "010203", kThreeGrays, kThreeGrays},
-    {"BlackAndWhite", Of<FakeDeviceSpace, "gray"_cc>, 1, "FF00", kTwoGrays, kTwoGrays},
-    {"BlackAndWhiteProfile", Of<FakeProfileSpace, "gray"_cc>, 1, "FF00", kTwoGrays, kTwoGrays},
-    {"CalibratedBlackAndWhite", Of<FakeCalibratedSpace, "cgry"_cc>, 1, "FF00", kTwoTints,
-     kTwoTints},
-    {"PromotedGray", Of<FakeDeviceSpace, "gray"_cc>, 8, "FF0033", kBlacks, kBlacks,
+     "[/Indexed /DeviceCMYK 2 <\nFEFEFE00 00000000 FFFFFF00 >] ", 8},
+    {"Rgb", Of<FakeDeviceSpace, "rgb "_cc>, "FF0909000909330909", kThreeInks, kThreeInks, 8},
+    {"Spot", Spot, "FF00", kTwoTints, kTwoTints, 1},
+    {"Gray", Of<FakeDeviceSpace, "gray"_cc>, "010203", kThreeGrays, kThreeGrays, 8},
+    {"BlackAndWhite", Of<FakeDeviceSpace, "gray"_cc>, "FF00", kTwoGrays, kTwoGrays, 1},
+    {"BlackAndWhiteProfile", Of<FakeProfileSpace, "gray"_cc>, "FF00", kTwoGrays, kTwoGrays, 1},
+    {"CalibratedBlackAndWhite", Of<FakeCalibratedSpace, "cgry"_cc>, "FF00", kTwoTints, kTwoTints,
+     1},
+    {"PromotedGray", Of<FakeDeviceSpace, "gray"_cc>, "FF0033", kBlacks, kBlacks, 8,
      OPTION::kPromoteGray},
 };
 
