@@ -5,6 +5,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "support/imagefixture.h"
@@ -26,14 +27,12 @@ inline std::vector<Line> Planes(const std::string& hex, std::int32_t bits) {
     std::vector<Line> planes;
     std::istringstream words(hex);
     for (std::string word; words >> word;) {
-        const Line line = Bytes(word);
-        std::vector<std::uint16_t> samples;
+        Line line = Bytes(word);
         for (std::size_t i = 0; bits == 16 && i + 1 < line.size(); i += 2) {
-            samples.push_back(static_cast<std::uint16_t>(line[i] << 8U | line[i + 1]));
+            const auto sample = static_cast<std::uint16_t>(line[i] << 8U | line[i + 1]);
+            std::memcpy(&line[i], &sample, sizeof sample);
         }
-        Line native(samples.size() * 2);
-        std::memcpy(native.data(), samples.data(), native.size());
-        planes.push_back(bits == 16 ? native : line);
+        planes.push_back(std::move(line));
     }
     return planes;
 }
