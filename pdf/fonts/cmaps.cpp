@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/fonts/predefinedcmaps.h"
 #include "pdf/objects.h"
 
 namespace VANTIX::PDF {
@@ -17,69 +18,6 @@ namespace {
 
 constexpr int kDeepest = 8;
 constexpr std::size_t kLargestCMap = std::size_t{8} << 20U;
-
-/// In the order of `TEncoding`, from `kFirstCMap`.
-constexpr auto kPredefined = std::to_array<std::string_view>({"GB-EUC-H",
-                                                              "GB-EUC-V",
-                                                              "GBpc-EUC-H",
-                                                              "GBpc-EUC-V",
-                                                              "GBK-EUC-H",
-                                                              "GBK-EUC-V",
-                                                              "GBKp-EUC-H",
-                                                              "GBKp-EUC-V",
-                                                              "GBK2K-H",
-                                                              "GBK2K-V",
-                                                              "UniGB-UCS2-H",
-                                                              "UniGB-UCS2-V",
-                                                              "UniGB-UTF16-H",
-                                                              "UniGB-UTF16-V",
-                                                              "B5pc-H",
-                                                              "B5pc-V",
-                                                              "HKscs-B5-H",
-                                                              "HKscs-B5-V",
-                                                              "ETen-B5-H",
-                                                              "ETen-B5-V",
-                                                              "ETenms-B5-H",
-                                                              "ETenms-B5-V",
-                                                              "CNS-EUC-H",
-                                                              "CNS-EUC-V",
-                                                              "UniCNS-UCS2-H",
-                                                              "UniCNS-UCS2-V",
-                                                              "UniCNS-UTF16-H",
-                                                              "UniCNS-UTF16-V",
-                                                              "83pv-RKSJ-H",
-                                                              "90ms-RKSJ-H",
-                                                              "90ms-RKSJ-V",
-                                                              "90msp-RKSJ-H",
-                                                              "90msp-RKSJ-V",
-                                                              "90pv-RKSJ-H",
-                                                              "Add-RKSJ-H",
-                                                              "Add-RKSJ-V",
-                                                              "EUC-H",
-                                                              "EUC-V",
-                                                              "Ext-RKSJ-H",
-                                                              "Ext-RKSJ-V",
-                                                              "H",
-                                                              "V",
-                                                              "UniJIS-UCS2-H",
-                                                              "UniJIS-UCS2-V",
-                                                              "UniJIS-UCS2-HW-H",
-                                                              "UniJIS-UCS2-HW-V",
-                                                              "UniJIS-UTF16-H",
-                                                              "UniJIS-UTF16-V",
-                                                              "KSC-EUC-H",
-                                                              "KSC-EUC-V",
-                                                              "KSCms-UHC-H",
-                                                              "KSCms-UHC-V",
-                                                              "KSCms-UHC-HW-H",
-                                                              "KSCms-UHC-HW-V",
-                                                              "KSCpc-EUC-H",
-                                                              "UniKS-UCS2-H",
-                                                              "UniKS-UCS2-V",
-                                                              "UniKS-UTF16-H",
-                                                              "UniKS-UTF16-V",
-                                                              "Identity-H",
-                                                              "Identity-V"});
 
 /// Names of files: nothing that leads elsewhere.
 bool IsFileName(std::string_view name) {
@@ -177,13 +115,14 @@ const CodeTexts& CMaps::TextsOf(const std::string& ordering) {
 }
 
 std::optional<GRAPHICS::TEncoding> EncodingOfCMap(std::string_view name) {
-    const auto* const found = std::find(kPredefined.begin(), kPredefined.end(), name);
-    if (found == kPredefined.end()) {
+    const auto& names = GRAPHICS::kPredefinedCMaps;
+    const auto* const found = std::find(names.begin(), names.end(), name);
+    if (found == names.end()) {
         return std::nullopt;
     }
     return static_cast<GRAPHICS::TEncoding>(
         static_cast<std::int32_t>(GRAPHICS::TEncoding::kFirstCMap) +
-        static_cast<std::int32_t>(found - kPredefined.begin()));
+        static_cast<std::int32_t>(found - names.begin()));
 }
 
 }  // namespace VANTIX::PDF
